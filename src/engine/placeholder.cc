@@ -1,0 +1,1 @@
+// Filter engine: filled in by its own change.

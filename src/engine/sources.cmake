@@ -1,0 +1,3 @@
+# Sources of src/engine (listed explicitly).
+target_sources(ifc_objects PRIVATE
+  engine/placeholder.cc)

@@ -1,0 +1,1 @@
+// Direct GL renderer: filled in by its own change.

@@ -1,0 +1,3 @@
+# Sources of src/render (listed explicitly).
+target_sources(ifc_objects PRIVATE
+  render/placeholder.cc)
