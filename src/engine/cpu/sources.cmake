@@ -1,0 +1,2 @@
+# CPU leaf filters (listed explicitly).
+target_sources(ifc_objects PRIVATE)

@@ -1,0 +1,2 @@
+# GL leaf filters, descriptions, programs, decipher (listed explicitly).
+target_sources(ifc_objects PRIVATE)

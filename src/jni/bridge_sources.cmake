@@ -1,0 +1,2 @@
+# bridge sources (listed explicitly).
+target_sources(ifc_objects PRIVATE)

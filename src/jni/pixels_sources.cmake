@@ -1,0 +1,2 @@
+# pixels sources (listed explicitly).
+target_sources(ifc_objects PRIVATE)

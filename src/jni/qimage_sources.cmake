@@ -1,0 +1,2 @@
+# qimage sources (listed explicitly).
+target_sources(ifc_objects PRIVATE)
