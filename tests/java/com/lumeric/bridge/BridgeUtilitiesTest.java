@@ -26,6 +26,8 @@ class BridgeUtilitiesTest {
                 assertThrows(RuntimeException.class, () -> BridgeProbe.throwRuntime("rt text"));
         assertSame(RuntimeException.class, rt.getClass());
         assertEquals("rt text", rt.getMessage());
+        assertThrows(NoClassDefFoundError.class,
+                () -> BridgeProbe.throwNamed("com/lumeric/NoSuchException", "lost"));
     }
 
     @Test
