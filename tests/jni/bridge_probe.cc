@@ -151,17 +151,3 @@ PROBE(void, reshape)(JNIEnv*, jclass, jlong handle, jint stride, jint height) {
     image->stride = stride;
     image->height = height;
 }
-
-// {getTime, get_tick_count, get_recorder_time}
-PROBE(jlongArray, clocks)(JNIEnv* env, jclass) {
-    jlong values[] = {static_cast<jlong>(getTime()), static_cast<jlong>(get_tick_count()),
-                      get_recorder_time()};
-    jlongArray out = env->NewLongArray(3);
-    env->SetLongArrayRegion(out, 0, 3, values);
-    return out;
-}
-
-PROBE(jstring, timeString)(JNIEnv* env, jclass) {
-    bool stubsEmpty = generate_bundle_path() == nullptr && read_bundle_image() == nullptr;
-    return stubsEmpty ? env->NewStringUTF(get_time_string()) : nullptr;
-}

@@ -45,9 +45,4 @@ final class BridgeProbe {
 
     static native long bind(Bitmap bitmap);
     static native void unbind(Bitmap bitmap, long image);
-
-    /** {getTime, get_tick_count, get_recorder_time} */
-    static native long[] clocks();
-    /** get_time_string, or null when a null-returning stub returned something. */
-    static native String timeString();
 }

@@ -4,6 +4,7 @@ import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
 import static org.junit.jupiter.api.Assertions.assertNotNull;
 import static org.junit.jupiter.api.Assertions.assertSame;
+import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import com.lumeric.filter.MRect;
 import com.lumeric.filter.QImage;
@@ -72,11 +73,11 @@ class QImageBindingTest {
 
     @Test
     void envOfAJavaThreadIsTheCallersEnv() throws Exception {
-        assertEquals(true, BridgeProbe.envIsCallers());
+        assertTrue(BridgeProbe.envIsCallers());
         boolean[] seen = new boolean[1];
         Thread other = new Thread(() -> seen[0] = BridgeProbe.envIsCallers());
         other.start();
         other.join();
-        assertEquals(true, seen[0]);
+        assertTrue(seen[0]);
     }
 }
