@@ -65,21 +65,6 @@ class BitmapBridgeTest {
     }
 
     @Test
-    void copyFromABoundBitmapReadsItsPixels() {
-        Bitmap source = filled(2, 1, 0x80112233);
-        source.setPixel(1, 0, 0x01020304);
-        Bitmap target = filled(2, 1, 0);
-        long header = BridgeProbe.bind(source);
-        try {
-            FilterEngineJNILib.nativeCopyImage(target, header);
-        } finally {
-            BridgeProbe.unbind(source, header);
-        }
-        assertEquals(0x80112233, target.getPixel(0, 0));
-        assertEquals(0x01020304, target.getPixel(1, 0));
-    }
-
-    @Test
     void copyIsClippedToTheSmallerSide() {
         long big = BridgeProbe.newImage(4, 4, 4);
         long small = BridgeProbe.newImage(1, 1, 4);
