@@ -1,3 +1,5 @@
 # Sources of src/render (listed explicitly).
 target_sources(ifc_objects PRIVATE
-  render/placeholder.cc)
+  render/base_filte_render.cc
+  render/gl_utils.cc
+  render/magic_engine.cc)
