@@ -1,0 +1,157 @@
+// Natives of com/lumeric/filter/BaseFilter: a thin shell over one
+// BaseFilteRender held by Java as a handle (0 = none).
+#include <GLES2/gl2.h>
+#include <GLES2/gl2ext.h>
+#include <jni.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "jni/bridge.h"
+#include "jni/packed_string.h"
+#include "render/base_filte_render.h"
+#include "render/jni_guards.h"
+
+namespace {
+
+constexpr jint kVersion = 8223;
+constexpr size_t kMatrix4Floats = 16;
+constexpr size_t kMatrix3Floats = 9;
+constexpr size_t kQuadFloats = 8;  // four (x, y) or (s, t) pairs
+
+BaseFilteRender* renderer(jlong handle) { return fromJavaHandle<BaseFilteRender>(handle); }
+
+// Stores a shader source given as plain text or in a packed form.
+template <typename Setter>
+void storeSource(JNIEnv* env, jstring text, Setter store) {
+    const char* chars = env->GetStringUTFChars(text, nullptr);
+    if (chars == nullptr) return;
+    char* decoded = decodePackedString(chars);
+    store(decoded != nullptr ? decoded : chars);
+    free(decoded);
+    env->ReleaseStringUTFChars(text, chars);
+}
+
+// Copies a whole Java float array into a new[] array for the renderer. Arrays
+// shorter than a quad are zero-padded so that the draw never reads past them.
+float* copyQuadArray(JNIEnv* env, jfloatArray array) {
+    FloatElements elements(env, array, 0, "float array");
+    if (elements.data() == nullptr) return nullptr;
+    size_t length = elements.length();
+    float* copy = new float[std::max(length, kQuadFloats)]();
+    std::copy(elements.data(), elements.data() + length, copy);
+    return copy;
+}
+
+template <typename Apply>
+jint withMatrix(JNIEnv* env, jlong handle, jfloatArray m, size_t floats, Apply apply) {
+    if (handle == 0) return 0;
+    FloatElements elements(env, m, floats, "matrix");
+    if (elements.data() == nullptr) return 0;
+    apply(renderer(handle), elements.data());
+    return 1;
+}
+
+}  // namespace
+
+extern "C" {
+
+JNIEXPORT jlong JNICALL Java_com_lumeric_filter_BaseFilter_nativeInitialWithString(
+    JNIEnv* env, jobject, jlong oldHandle, jboolean external, jstring vertex, jstring fragment) {
+    // Checked before the old renderer goes, so that Java's handle stays valid.
+    if (fragment == nullptr) {
+        throwNullArgument(env, "fragment source is null");
+        return 0;
+    }
+    // Arrays handed to the old renderer are not released here: only
+    // nativeClear releases them.
+    delete renderer(oldHandle);
+    auto* render = new BaseFilteRender(external ? GL_TEXTURE_EXTERNAL_OES : GL_TEXTURE_2D);
+    storeSource(env, fragment, [&](const char* s) { render->setFragmentShaderSource(s); });
+    if (vertex != nullptr) {
+        storeSource(env, vertex, [&](const char* s) { render->setVertexShaderSource(s); });
+    }
+    return toJavaHandle(render);
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeApplyFilter(JNIEnv*, jobject,
+                                                                             jlong handle) {
+    if (handle == 0) return -1;
+    renderer(handle)->InitializeGLProgram();
+    return static_cast<jint>(renderer(handle)->program);
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeClear(JNIEnv*, jobject, jlong handle) {
+    if (handle == 0) return 1;
+    BaseFilteRender* render = renderer(handle);
+    render->clear();
+    delete render;
+    return 1;
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeUpdateMatrix(JNIEnv* env, jobject,
+                                                                              jlong handle, jfloatArray m) {
+    return withMatrix(env, handle, m, kMatrix4Floats,
+                      [](BaseFilteRender* r, const float* f) { r->updateTextureMatrix(f); });
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetGlobalTextureMatrix(
+    JNIEnv* env, jobject, jlong handle, jfloatArray m) {
+    return withMatrix(env, handle, m, kMatrix3Floats,
+                      [](BaseFilteRender* r, const float* f) { r->setGlobalTextureMatrix(f); });
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeUpdateModelMatrix(
+    JNIEnv* env, jobject, jlong handle, jfloatArray m) {
+    return withMatrix(env, handle, m, kMatrix4Floats,
+                      [](BaseFilteRender* r, const float* f) { r->updateModelMatrix(f); });
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRotationAndFlip(
+    JNIEnv*, jobject, jlong handle, jint degrees, jint flipX, jint flipY) {
+    if (handle == 0) return 0;
+    BaseFilteRender* render = renderer(handle);
+    render->Rotation(degrees);
+    render->FlipX(flipX);
+    render->FlipY(flipY);
+    return 1;
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeRenderTexture(
+    JNIEnv*, jobject, jlong handle, jint texture, jint width, jint height) {
+    if (handle == 0) return 0;
+    GLRenderBase* render = renderer(handle);
+    render->RenderProcess(static_cast<GLuint>(texture), 0, width, height);
+    return 1;
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetPositions(JNIEnv* env, jobject,
+                                                                              jlong handle, jfloatArray p) {
+    if (handle == 0) return 0;
+    float* copy = copyQuadArray(env, p);
+    if (copy == nullptr) return 0;
+    renderer(handle)->setPositions(copy);
+    return 1;
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetTexCords(JNIEnv* env, jobject,
+                                                                             jlong handle, jfloatArray t) {
+    if (handle == 0) return 0;
+    float* copy = copyQuadArray(env, t);
+    if (copy == nullptr) return 0;
+    renderer(handle)->setTexCords(copy);
+    return 1;
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRenderMode(JNIEnv*, jobject,
+                                                                               jlong handle, jint mode) {
+    if (handle == 0) return 0;
+    renderer(handle)->setRenderMode(mode);
+    return 1;
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeGetVersion(JNIEnv*, jobject) {
+    return kVersion;
+}
+
+}  // extern "C"

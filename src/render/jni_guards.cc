@@ -1,0 +1,34 @@
+#include "render/jni_guards.h"
+
+#include <cstdio>
+
+#include "jni/bridge.h"
+
+void throwNullArgument(JNIEnv* env, const char* what) { jniThrowNullPointerException(env, what); }
+
+void throwArrayTooShort(JNIEnv* env, const char* what, size_t required, size_t length) {
+    char message[160];
+    snprintf(message, sizeof message, "%s holds %zu elements, %zu needed", what, length, required);
+    jniThrowRuntimeException(env, message);
+}
+
+LockedBitmap::LockedBitmap(JNIEnv* env, jobject bitmap, bool requireRGBA) : env_(env), bitmap_(bitmap) {
+    if (bitmap == nullptr) {
+        jniThrowNullPointerException(env, "bitmap is null");
+        result_ = ANDROID_BITMAP_RESULT_BAD_PARAMETER;
+        return;
+    }
+    result_ = AndroidBitmap_getInfo(env, bitmap, &info_);
+    if (result_ < 0) return;
+    if (requireRGBA && info_.format != ANDROID_BITMAP_FORMAT_RGBA_8888) return;
+    result_ = AndroidBitmap_lockPixels(env, bitmap, &pixels_);
+    if (result_ < 0) pixels_ = nullptr;
+}
+
+LockedBitmap::~LockedBitmap() { unlock(); }
+
+int LockedBitmap::unlock() {
+    if (pixels_ == nullptr) return 0;
+    pixels_ = nullptr;
+    return AndroidBitmap_unlockPixels(env_, bitmap_);
+}

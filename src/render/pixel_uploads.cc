@@ -1,0 +1,102 @@
+#include "render/pixel_uploads.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr int kCurveRows = 16;
+
+void setNearestClamp() {
+    glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+}
+
+}  // namespace
+
+size_t unpackedByteCount(int width, int height, int bytesPerPixel) {
+    if (width <= 0 || height <= 0) return 0;
+    GLint alignment = 4;
+    glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
+    if (alignment < 1) alignment = 1;
+    size_t row = static_cast<size_t>(width) * bytesPerPixel;
+    size_t paddedRow = (row + alignment - 1) / alignment * alignment;
+    return paddedRow * (static_cast<size_t>(height) - 1) + row;
+}
+
+int previewRows(int height) { return static_cast<int>(height * 1.5); }
+
+void uploadPreviewFrame(const void* data, GLuint texture, int width, int height) {
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_ALPHA, width, previewRows(height), 0, GL_ALPHA, GL_UNSIGNED_BYTE, data);
+    setNearestClamp();
+}
+
+void uploadPreviewRGBA(const void* data, GLuint texture, int width, int height) {
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, data);
+}
+
+void uploadCurveTexture(const int32_t* curve, int n, GLuint texture) {
+    if (n < 1) return;
+    std::vector<uint8_t> texels(static_cast<size_t>(n) * kCurveRows * 4, 0);
+    for (int row = 0; row < kCurveRows; ++row) {
+        uint8_t* texel = texels.data() + static_cast<size_t>(row) * n * 4;
+        for (int i = 0; i < n; ++i) {
+            auto value = static_cast<uint8_t>(curve[i]);
+            texel[i * 4 + 0] = value;
+            texel[i * 4 + 1] = value;
+            texel[i * 4 + 2] = value;
+        }
+    }
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, n, kCurveRows, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
+}
+
+void uploadImageTexture(const _Image* image, GLuint texture) {
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    GLenum format = image->channels == 4 ? GL_RGBA : image->channels == 3 ? GL_RGB : 0;
+    if (format == 0) return;
+    const void* pixels = image->data;
+    size_t needed = unpackedByteCount(image->width, image->height, image->channels);
+    size_t available = image->size != 0 ? image->size
+                                        : static_cast<size_t>(image->stride) * static_cast<size_t>(image->height);
+    std::vector<uint8_t> padded;
+    if (needed > available) {
+        padded.assign(needed, 0);
+        memcpy(padded.data(), image->data, available);
+        pixels = padded.data();
+    }
+    glTexImage2D(GL_TEXTURE_2D, 0, format, image->width, image->height, 0, format, GL_UNSIGNED_BYTE, pixels);
+}
+
+void flipRows(const uint32_t* bottomUp, uint32_t* topDown, int width, int height) {
+    for (int y = 0; y < height; ++y) {
+        memcpy(topDown + static_cast<size_t>(height - 1 - y) * width, bottomUp + static_cast<size_t>(y) * width,
+               static_cast<size_t>(width) * 4);
+    }
+}
+
+void updateScaleBitmap(const uint32_t* src, int srcWidth, int srcHeight, const uint32_t* mask,
+                       int maskWidth, int maskHeight, uint32_t* dst, int offY, int offX) {
+    for (int r = 0; r < maskHeight; ++r) {
+        for (int c = 0; c < maskWidth; ++c) {
+            size_t i = static_cast<size_t>(r) * maskWidth + c;
+            if (mask[i] == kMaskCleared) {
+                dst[i] = 0;
+                continue;
+            }
+            int64_t sy = static_cast<int64_t>(r) + offY;
+            int64_t sx = static_cast<int64_t>(c) + offX;
+            bool outside = sy < 0 || sx < 0 || sy >= srcHeight || sx >= srcWidth;
+            dst[i] = outside ? kScaleBackground : src[sy * srcWidth + sx];
+        }
+    }
+}

@@ -1,1 +1,0 @@
-// Direct GL renderer: filled in by its own change.

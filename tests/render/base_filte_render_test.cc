@@ -1,0 +1,247 @@
+#define EGL_EGLEXT_PROTOTYPES
+#define GL_GLEXT_PROTOTYPES
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+#include <GLES2/gl2.h>
+#include <GLES2/gl2ext.h>
+
+#include <cmath>
+
+#include "render/base_filte_render.h"
+#include "render_gl_helpers.h"
+#include "support/gl_fixture.h"
+
+namespace {
+
+const char kCopyFragment[] =
+    "precision mediump float; varying vec2 textureCoordinate; uniform sampler2D inputImageTexture;\n"
+    "void main() { gl_FragColor = texture2D(inputImageTexture, textureCoordinate); }\n";
+
+class BaseFilteRenderTest : public GLTest {
+protected:
+    // Renders the quadrant texture over framebuffer 0 and returns the four
+    // corner pixels: bottom-left, bottom-right, top-left, top-right.
+    std::vector<std::vector<uint8_t>> renderCorners(BaseFilteRender& render, GLuint texture) {
+        glClearColor(0, 0, 0, 0);
+        glClear(GL_COLOR_BUFFER_BIT);
+        render.RenderProcess(texture, 0, kSurfaceSize, kSurfaceSize);
+        auto pixels = readPixels(0, 0, kSurfaceSize, kSurfaceSize);
+        int last = kSurfaceSize - 1;
+        return {pixelAt(pixels, kSurfaceSize, 0, 0), pixelAt(pixels, kSurfaceSize, last, 0),
+                pixelAt(pixels, kSurfaceSize, 0, last), pixelAt(pixels, kSurfaceSize, last, last)};
+    }
+
+    static std::vector<uint8_t> texel(int index) {
+        const auto& t = quadrantTexels();
+        return {t.begin() + index * 4, t.begin() + index * 4 + 4};
+    }
+};
+
+TEST_F(BaseFilteRenderTest, DefaultQuadMapsTextureCornersToScreenCorners) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    render.setFragmentShaderSource(kCopyFragment);
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    ScopedTexture texture(2, 2, quadrantTexels().data());
+    auto corners = renderCorners(render, texture.name());
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(texel(i), corners[i]) << "corner " << i;
+}
+
+TEST_F(BaseFilteRenderTest, RotationAndFlipsMoveTheImage) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    render.setFragmentShaderSource(kCopyFragment);
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    ScopedTexture texture(2, 2, quadrantTexels().data());
+
+    // 90 degrees: a vertex (x, y) lands on (y, -x), so bottom-left goes top-left.
+    render.Rotation(90);
+    auto corners = renderCorners(render, texture.name());
+    EXPECT_EQ(texel(0), corners[2]);
+    EXPECT_EQ(texel(1), corners[0]);
+
+    render.Rotation(0);
+    render.FlipX(1);
+    corners = renderCorners(render, texture.name());
+    EXPECT_EQ(texel(0), corners[1]);
+    EXPECT_EQ(texel(2), corners[3]);
+
+    render.Rotation(0);
+    render.FlipY(1);
+    corners = renderCorners(render, texture.name());
+    EXPECT_EQ(texel(0), corners[2]);
+}
+
+TEST_F(BaseFilteRenderTest, MatrixBookkeeping) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    render.Rotation(90);
+    // The rotation's pi is 3.1415926: cos(90 deg) is tiny but not zero.
+    EXPECT_EQ(static_cast<float>(cos(90 * 3.1415926 / 180.0)), render.modelview[0]);
+    EXPECT_NE(0.0f, render.modelview[0]);
+    EXPECT_EQ(-1.0f, render.modelview[1]);
+
+    render.Rotation(0);
+    render.FlipX(1);
+    render.FlipX(0);  // no change, flag kept
+    EXPECT_EQ(1, render.flipX);
+    EXPECT_TRUE(std::signbit(render.modelview[2]));  // -0.0 from 0.0
+    render.FlipX(1);
+    EXPECT_EQ(1.0f, render.modelview[0]);
+    EXPECT_EQ(1, render.flipX);
+    render.FlipY(3);
+    EXPECT_EQ(-1.0f, render.modelview[5]);
+    render.Rotation(0);
+    EXPECT_EQ(0, render.flipX);
+    EXPECT_EQ(0, render.flipY);
+    EXPECT_EQ(1.0f, render.modelview[5]);
+}
+
+TEST_F(BaseFilteRenderTest, UniformsCarrySizeAndSteps) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    render.setFragmentShaderSource(
+        "precision highp float; uniform sampler2D inputImageTexture; uniform int width;\n"
+        "uniform int height; uniform float horStep; uniform float textualwidth;\n"
+        "uniform float verStep; uniform float textualheight;\n"
+        "void main() { gl_FragColor = vec4(float(width) / 255.0, horStep * 51.0,\n"
+        "  textualwidth * 51.0 * float(height) / 4.0, verStep + textualheight); }\n");
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    ScopedTexture texture(2, 2, quadrantTexels().data());
+    render.RenderProcess(texture.name(), 0, 51, 4);
+    // horStep and textualwidth are 1/51; verStep and textualheight 1/4.
+    EXPECT_EQ(rgba(51, 255, 255, 128), pixelAt(readPixels(0, 0, 1, 1), 1, 0, 0));
+}
+
+TEST_F(BaseFilteRenderTest, PositionsAndTexCoordsFromCallerAndTextureMatrix) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    render.setFragmentShaderSource(kCopyFragment);
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    ScopedTexture texture(2, 2, quadrantTexels().data());
+    // Left half of the screen only, sampling the top-right texel everywhere.
+    render.setPositions(new float[8]{-1, -1, -1, 1, 0, 1, 0, -1});
+    render.setTexCords(new float[8]{0.9f, 0.9f, 0.9f, 0.9f, 0.9f, 0.9f, 0.9f, 0.9f});
+    auto corners = renderCorners(render, texture.name());
+    EXPECT_EQ(texel(3), corners[0]);
+    EXPECT_EQ(rgba(0, 0, 0, 0), corners[1]);
+
+    render.clear();
+    render.clear();  // second release is harmless
+    // tMat scales texture coordinates by 0.25: the whole screen shows texel 0.
+    const float quarter[16] = {0.25f, 0, 0, 0, 0, 0.25f, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    render.updateTextureMatrix(quarter);
+    corners = renderCorners(render, texture.name());
+    EXPECT_EQ(texel(0), corners[3]);
+}
+
+TEST_F(BaseFilteRenderTest, RawTextureOnUnitTwoOnlyWithLocationAboveZero) {
+    ScopedTexture input(2, 2, quadrantTexels().data());
+    const uint8_t grey[4] = {9, 99, 199, 255};
+    ScopedTexture raw(1, 1, grey);
+
+    BaseFilteRender both(GL_TEXTURE_2D);
+    both.setFragmentShaderSource(
+        "precision mediump float; varying vec2 textureCoordinate; uniform sampler2D inputImageTexture;\n"
+        "uniform sampler2D rawInputImageTexture; void main() {\n"
+        "gl_FragColor = texture2D(rawInputImageTexture, textureCoordinate)\n"
+        "  + 0.0 * texture2D(inputImageTexture, textureCoordinate); }\n");
+    ASSERT_EQ(1, both.InitializeGLProgram());
+    ASSERT_GE(both.rawTextureLoc, 1);
+    both.RenderProcess(input.name(), raw.name(), kSurfaceSize, kSurfaceSize);
+    EXPECT_EQ(rgba(9, 99, 199, 255), pixelAt(readPixels(5, 5, 1, 1), 1, 0, 0));
+    glActiveTexture(GL_TEXTURE2);
+    EXPECT_EQ(static_cast<GLint>(raw.name()), currentInt(GL_TEXTURE_BINDING_2D));
+    glActiveTexture(GL_TEXTURE1);
+    EXPECT_EQ(0, currentInt(GL_TEXTURE_BINDING_2D));
+    glActiveTexture(GL_TEXTURE2);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glActiveTexture(GL_TEXTURE0);
+
+    // The only uniform gets location 0, which counts as absent: its sampler
+    // stays on unit 0 and shows the input.
+    BaseFilteRender alone(GL_TEXTURE_2D);
+    alone.setVertexShaderSource(
+        "attribute vec4 position; attribute vec2 inputTextureCoordinate; varying vec2 textureCoordinate;\n"
+        "void main() { gl_Position = position; textureCoordinate = inputTextureCoordinate; }\n");
+    alone.setFragmentShaderSource(
+        "precision mediump float; varying vec2 textureCoordinate; uniform sampler2D rawInputImageTexture;\n"
+        "void main() { gl_FragColor = texture2D(rawInputImageTexture, textureCoordinate); }\n");
+    ASSERT_EQ(1, alone.InitializeGLProgram());
+    ASSERT_EQ(0, alone.rawTextureLoc);
+    alone.RenderProcess(input.name(), raw.name(), kSurfaceSize, kSurfaceSize);
+    EXPECT_EQ(texel(0), pixelAt(readPixels(0, 0, 1, 1), 1, 0, 0));
+    glActiveTexture(GL_TEXTURE2);
+    EXPECT_EQ(0, currentInt(GL_TEXTURE_BINDING_2D));
+    glActiveTexture(GL_TEXTURE0);
+}
+
+TEST_F(BaseFilteRenderTest, ExternalTextureTarget) {
+    ScopedTexture source(2, 2, quadrantTexels().data());
+    EGLDisplay display = eglGetCurrentDisplay();
+    auto createImage = reinterpret_cast<PFNEGLCREATEIMAGEKHRPROC>(eglGetProcAddress("eglCreateImageKHR"));
+    auto destroyImage = reinterpret_cast<PFNEGLDESTROYIMAGEKHRPROC>(eglGetProcAddress("eglDestroyImageKHR"));
+    auto targetTexture = reinterpret_cast<PFNGLEGLIMAGETARGETTEXTURE2DOESPROC>(
+        eglGetProcAddress("glEGLImageTargetTexture2DOES"));
+    ASSERT_TRUE(createImage && destroyImage && targetTexture);
+    EGLImageKHR image = createImage(display, eglGetCurrentContext(), EGL_GL_TEXTURE_2D_KHR,
+                                    reinterpret_cast<EGLClientBuffer>(static_cast<uintptr_t>(source.name())),
+                                    nullptr);
+    ASSERT_NE(EGL_NO_IMAGE_KHR, image);
+    GLuint external = 0;
+    glGenTextures(1, &external);
+    glBindTexture(GL_TEXTURE_EXTERNAL_OES, external);
+    targetTexture(GL_TEXTURE_EXTERNAL_OES, image);
+
+    BaseFilteRender render(GL_TEXTURE_EXTERNAL_OES);
+    render.setFragmentShaderSource(
+        "#extension GL_OES_EGL_image_external : require\n"
+        "precision mediump float; varying vec2 textureCoordinate;\n"
+        "uniform samplerExternalOES inputImageTexture;\n"
+        "void main() { gl_FragColor = texture2D(inputImageTexture, textureCoordinate); }\n");
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    auto corners = renderCorners(render, external);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(texel(i), corners[i]) << "corner " << i;
+    EXPECT_EQ(GL_NO_ERROR, glGetError());
+    glDeleteTextures(1, &external);
+    destroyImage(display, image);
+}
+
+TEST_F(BaseFilteRenderTest, RenderDataProcessFiltersClientPixelsInPlace) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    render.setFragmentShaderSource(
+        "precision mediump float; varying vec2 textureCoordinate; uniform sampler2D inputImageTexture;\n"
+        "void main() { vec4 c = texture2D(inputImageTexture, textureCoordinate);\n"
+        "gl_FragColor = vec4(1.0 - c.rgb, c.a); }\n");
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    std::vector<uint8_t> pixels = {10, 20, 30, 255, 40, 50, 60, 128, 70, 80, 90, 0,
+                                   1, 2, 3, 4, 5, 6, 7, 8, 250, 251, 252, 253};
+    render.RenderDataProcess(pixels.data(), 3, 2);
+    std::vector<uint8_t> expected = {245, 235, 225, 255, 215, 205, 195, 128, 185, 175, 165, 0,
+                                     254, 253, 252, 4, 250, 249, 248, 8, 5, 4, 3, 253};
+    EXPECT_EQ(expected, pixels);
+    EXPECT_EQ(0, currentInt(GL_FRAMEBUFFER_BINDING));
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_EQ(3, viewport[2]);
+    EXPECT_EQ(2, viewport[3]);
+}
+
+TEST_F(BaseFilteRenderTest, ProgramBuildFailuresAndRebuild) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    EXPECT_EQ(0, render.InitializeGLProgram());  // no fragment source
+    EXPECT_EQ(0u, render.program);
+
+    render.setFragmentShaderSource(kCopyFragment);
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    GLuint first = render.program;
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    EXPECT_NE(first, render.program);
+    EXPECT_TRUE(glIsProgram(first));  // a rebuild replaces without deleting
+    glDeleteProgram(first);
+
+    GLuint built = render.program;
+    render.setFragmentShaderSource("void main() { this is not glsl }");
+    EXPECT_EQ(0, render.InitializeGLProgram());
+    EXPECT_EQ(0u, render.program);
+    GLint deleted = GL_FALSE;  // still current, so only flagged for deletion
+    glGetProgramiv(built, GL_DELETE_STATUS, &deleted);
+    EXPECT_EQ(GL_TRUE, deleted);
+}
+
+}  // namespace
