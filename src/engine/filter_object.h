@@ -4,6 +4,7 @@
 #ifndef IFC_ENGINE_FILTER_OBJECT_H
 #define IFC_ENGINE_FILTER_OBJECT_H
 
+#include <cstddef>
 #include <utility>
 #include <vector>
 
