@@ -7,5 +7,6 @@ ifc_add_gtest(engine_tests
   shared_ptr_test.cc)
 ifc_add_gtest(engine_gl_tests GL
   filter_package_test.cc
+  package_render_test.cc
   recording_filter.cc
   texture_test.cc)
