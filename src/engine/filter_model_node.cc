@@ -1,0 +1,64 @@
+#include "engine/filter_model_node.h"
+
+#include <tinyxml2.h>
+
+#include <cstdlib>
+
+#include "engine/filter_object.h"
+#include "engine/filter_package.h"
+#include "jni/log.h"
+
+// All "filter" children come first, then all "relation" children, wherever
+// they stand in the document.
+void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
+    for (tinyxml2::XMLElement* child = element->FirstChildElement("filter"); child != nullptr;
+         child = child->NextSiblingElement("filter")) {
+        shared_ptr<IHFFilterNode> node;
+        if (const tinyxml2::XMLAttribute* include = child->FindAttribute("include")) {
+            // The including element is parsed into the shared, cached node on
+            // purpose: what it carries reaches every user of that package.
+            node = HFFilterPackage_node(include->Value());
+            if (!node) {
+                log_printE("model: included package %s cannot be built", include->Value());
+                complete = false;
+                continue;
+            }
+        } else {
+            node = HFFilterPackage_createLeafNode();
+        }
+        node->parse(child);
+        children.push_back(node);
+    }
+
+    for (tinyxml2::XMLElement* relation = element->FirstChildElement("relation"); relation != nullptr;
+         relation = relation->NextSiblingElement("relation")) {
+        const tinyxml2::XMLAttribute* output = relation->FindAttribute("output");
+        const tinyxml2::XMLAttribute* input = relation->FindAttribute("input");
+        const tinyxml2::XMLAttribute* index = relation->FindAttribute("index");
+        if (output == nullptr || input == nullptr || index == nullptr) {
+            log_printE("model: relation needs \"output\", \"input\" and \"index\"");
+            complete = false;
+            continue;
+        }
+        relationOutputs.push_back(std::atoi(output->Value()));
+        relationInputs.push_back(std::atoi(input->Value()));
+        relationIndices.push_back(std::atoi(index->Value()));
+    }
+}
+
+// Relations are applied after every child is in place and without clearMap,
+// so each replaces the default chain link only at the slot it names.
+shared_ptr<IHFFilter> HFFilterModelNode::createFilter() {
+    if (!complete) return shared_ptr<IHFFilter>();
+    shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
+    for (const shared_ptr<IHFFilterNode>& node : children) {
+        shared_ptr<IHFFilter> filter = node->createFilter();
+        // A missing child would shift every index the relations use.
+        if (!filter) return shared_ptr<IHFFilter>();
+        composite->addFilter(filter);
+    }
+    for (size_t i = 0; i < relationOutputs.size(); ++i) {
+        composite->addMap(relationOutputs[i], relationInputs[i], relationIndices[i]);
+    }
+    return composite;
+}

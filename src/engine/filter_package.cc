@@ -1,0 +1,131 @@
+#include "engine/filter_package.h"
+
+#include <tinyxml2.h>
+
+#include <set>
+
+#include "engine/filter_model_node.h"
+#include "engine/resource_loader.h"
+#include "jni/log.h"
+
+namespace {
+
+std::string packagePath(const std::string& name) { return "filter/" + name + "/filter.xml"; }
+
+// Packages being loaded right now: reaching one again through an include is a
+// cycle, which would otherwise recurse without end.
+std::set<std::string>& packagesInProgress() {
+    static std::set<std::string> names;
+    return names;
+}
+
+class InProgress {
+public:
+    explicit InProgress(const std::string& packageName) : name(packageName) {
+        packagesInProgress().insert(name);
+    }
+    ~InProgress() { packagesInProgress().erase(name); }
+    InProgress(const InProgress&) = delete;
+    InProgress& operator=(const InProgress&) = delete;
+
+private:
+    std::string name;
+};
+
+// Owns the bytes fetched from the bundle.
+class ResourceBlob {
+public:
+    explicit ResourceBlob(const std::string& path) : blob(HFResourceLoader_loadDataResource(path.c_str())) {}
+    ~ResourceBlob() { free_image(&blob); }
+    ResourceBlob(const ResourceBlob&) = delete;
+    ResourceBlob& operator=(const ResourceBlob&) = delete;
+
+    const _Image* get() const { return blob; }
+
+private:
+    _Image* blob;
+};
+
+bool isComplete(const shared_ptr<IHFFilterNode>& node) {
+    const HFFilterModelNode* model = dynamic_cast<const HFFilterModelNode*>(node.get());
+    return model == nullptr || model->isComplete();
+}
+
+shared_ptr<IHFFilterNode> loadPackage(const std::string& name) {
+    const std::string path = packagePath(name);
+    if (packagesInProgress().count(name) != 0) {
+        HFFilterPackage_logError(name, "includes itself");
+        return shared_ptr<IHFFilterNode>();
+    }
+    InProgress guard(name);
+
+    tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
+    {
+        ResourceBlob blob(path);
+        if (blob.get() == nullptr || blob.get()->data == nullptr) {
+            HFFilterPackage_logError(name, "cannot be read");
+            return shared_ptr<IHFFilterNode>();
+        }
+        const char* text = reinterpret_cast<const char*>(blob.get()->data);
+        if (document.Parse(text, static_cast<size_t>(blob.get()->width)) != tinyxml2::XML_SUCCESS) {
+            HFFilterPackage_logError(name, document.ErrorStr());
+            return shared_ptr<IHFFilterNode>();
+        }
+    }
+
+    shared_ptr<IHFFilterNode> node = HFFilterPackage_createNode(document.FirstChildElement());
+    if (!node) {
+        HFFilterPackage_logError(name, "has no \"model\" or \"filter\" root");
+        return node;
+    }
+    if (!isComplete(node)) {
+        HFFilterPackage_logError(name, "has a broken child or relation");
+        return shared_ptr<IHFFilterNode>();
+    }
+    node->name = name;
+    // An include reached while loading may have cached the name already;
+    // that entry stays, and this call still returns its own node.
+    filterNodeCache().insert(HFFilterNodeCache::value_type(name, node));
+    return node;
+}
+
+HFLeafNodeFactory leafNodeFactory = &HFFilterPackage_defaultLeafNode;
+
+}  // namespace
+
+HFFilterNodeCache& filterNodeCache() {
+    static HFFilterNodeCache cache;
+    return cache;
+}
+
+void HFFilterPackage_logError(const std::string& name, const char* reason) {
+    log_printE("filter package %s (%s): %s", name.c_str(), packagePath(name).c_str(), reason);
+}
+
+shared_ptr<IHFFilterNode> HFFilterPackage_node(const std::string& name) {
+    HFFilterNodeCache& cache = filterNodeCache();
+    auto found = cache.find(name);
+    if (found != cache.end()) return found->second;
+    return loadPackage(name);
+}
+
+shared_ptr<IHFFilterNode> HFFilterPackage_createNode(tinyxml2::XMLElement* root) {
+    if (root == nullptr) return shared_ptr<IHFFilterNode>();
+    const std::string kind = root->Value();
+    shared_ptr<IHFFilterNode> node;
+    if (kind == "model") {
+        node = shared_ptr<IHFFilterNode>(new HFFilterModelNode());
+    } else if (kind == "filter") {
+        node = HFFilterPackage_createLeafNode();
+    }
+    if (node) node->parse(root);
+    return node;
+}
+
+HFLeafNodeFactory HFFilterPackage_setLeafNodeFactory(HFLeafNodeFactory factory) {
+    HFLeafNodeFactory previous = leafNodeFactory;
+    leafNodeFactory = factory != nullptr ? factory : &HFFilterPackage_defaultLeafNode;
+    return previous;
+}
+
+shared_ptr<IHFFilterNode> HFFilterPackage_createLeafNode() { return leafNodeFactory(); }

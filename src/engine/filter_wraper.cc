@@ -1,0 +1,40 @@
+#include "engine/filter_wraper.h"
+
+#include <utility>
+
+#include "engine/filter_package.h"
+#include "engine/texture.h"
+
+HFFilterWraper::HFFilterWraper(const char* name) : filter(loadFilterPackage(name != nullptr ? name : "")) {}
+
+HFFilterWraper::~HFFilterWraper() {
+    shared_ptr<IHFFilter> tree(std::move(filter));
+    tree.release();
+}
+
+shared_ptr<IHFFilter> HFFilterWraper::loadFilterPackage(std::string name) {
+    shared_ptr<IHFFilterNode> node = HFFilterPackage_node(name);
+    if (!node) return shared_ptr<IHFFilter>();
+    shared_ptr<IHFFilter> filter = node->createFilter();
+    if (!filter) HFFilterPackage_logError(name, "builds no filter");
+    return filter;
+}
+
+// Wrapping applies the default sampling options to the caller's texture; the
+// wrapper only borrows the name, so the texture outlives it.
+void HFFilterWraper::renderTexture(int texture, int width, int height) {
+    if (!filter) return;
+    HFGLTextureOptions options = defaultTextureOptions;
+    shared_ptr<HFGLTexture> input = HFGLTexture::createTexture(static_cast<unsigned int>(texture), options);
+    input->resize(width, height);
+    filter->setInputTexture(input, 0);
+    filter->setFilterFBO();
+    filter->render(nullptr);
+}
+
+int HFFilterWraper::outputTexture() {
+    if (!filter) return 0;
+    shared_ptr<IHFTexture> output = filter->outputTexture();
+    const HFGLTexture* texture = dynamic_cast<const HFGLTexture*>(output.get());
+    return texture != nullptr ? static_cast<int>(texture->glTexture()) : 0;
+}

@@ -1,0 +1,31 @@
+// HFFilterWraper: a filter package running on a caller's GL texture.
+#ifndef IFC_ENGINE_FILTER_WRAPER_H
+#define IFC_ENGINE_FILTER_WRAPER_H
+
+#include <string>
+
+#include "engine/filter.h"
+
+class IFC_API HFFilterWraper {
+public:
+    explicit HFFilterWraper(const char* name);
+    ~HFFilterWraper();
+    HFFilterWraper(const HFFilterWraper&) = delete;
+    HFFilterWraper& operator=(const HFFilterWraper&) = delete;
+
+    // Runs the package with the caller's texture (borrowed) as input 0.
+    void renderTexture(int texture, int width, int height);
+    // GL name of the package's output; 0 without a filter or when the last
+    // filter's output is not a GL texture.
+    int outputTexture();
+
+    // A new live filter built from the cached package; empty when the package
+    // cannot be built.
+    static shared_ptr<IHFFilter> loadFilterPackage(std::string name);
+
+    bool hasFilter() const { return static_cast<bool>(filter); }
+
+    shared_ptr<IHFFilter> filter;
+};
+
+#endif  // IFC_ENGINE_FILTER_WRAPER_H

@@ -1,0 +1,295 @@
+#include "engine/gl/gl_filter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "engine/gl/matrix3.h"
+
+namespace {
+
+const float kQuadTexCoords[8] = {0, 0, 1, 0, 0, 1, 1, 1};
+const float kQuadVertices[8] = {-1, -1, 1, -1, -1, 1, 1, 1};
+
+HFSize sizeOfTexture(IHFTexture* texture) {
+    if (const HFGLTexture* gl = dynamic_cast<HFGLTexture*>(texture)) return gl->size();
+    // A CPU texture carries its size in its image.
+    const _Image* image = texture->image();
+    if (image != nullptr) return HFSize{image->width, image->height};
+    return HFSize{0, 0};
+}
+
+// Truncated toward zero, low 8 bits kept; values beyond int range give 0.
+unsigned char toCurveByte(float value) {
+    if (!(value > -2147483648.0f && value < 2147483648.0f)) return 0;
+    return static_cast<unsigned char>(static_cast<int32_t>(value));
+}
+
+bool holdsTexture(const shared_ptr<IHFTexture>& texture) { return texture.use_count() >= 1; }
+
+}  // namespace
+
+HFGLFilter::HFGLFilter(const char* vertexSource, const char* fragmentSource) {
+    initialise();
+    passCount = 1;
+    loadShader(vertexSource, fragmentSource);
+}
+
+HFGLFilter::HFGLFilter(std::vector<std::string> vertexSources, std::vector<std::string> fragmentSources) {
+    initialise();
+    // At most one pass per program slot.
+    passCount = static_cast<int>(std::min<size_t>(vertexSources.size(), kMaxPrograms));
+    // Fragments first: loadShader's first vector holds the fragment sources.
+    loadShader(std::move(fragmentSources), std::move(vertexSources));
+}
+
+HFGLFilter::~HFGLFilter() {
+    clearMemoryData();
+    for (shared_ptr<GLFilterProgram>& program : programs) program.release();
+}
+
+void HFGLFilter::initialise() {
+    clearMemoryData();
+    output = HFGLTexture::createTexture(static_cast<_Image*>(nullptr), defaultTextureOptions);
+    std::fill(std::begin(samplerLocs), std::end(samplerLocs), -1);
+    memcpy(texCoords, kQuadTexCoords, sizeof texCoords);
+    memcpy(vertices, kQuadVertices, sizeof vertices);
+    matrix3Identity(baseMatrix);
+    matrix3Identity(transformMatrix);
+    outputScaleFactor = 1.0f;
+    preRenderHook = nullptr;
+}
+
+shared_ptr<HFGLFilter> HFGLFilter::createFilter(const char* fragmentSource, const char* vertexSource) {
+    return shared_ptr<HFGLFilter>(new HFGLFilter(vertexSource, fragmentSource));
+}
+
+shared_ptr<HFGLFilter> HFGLFilter::createFilter(const unsigned char* fragmentSource,
+                                                const unsigned char* vertexSource) {
+    return createFilter(reinterpret_cast<const char*>(fragmentSource),
+                        reinterpret_cast<const char*>(vertexSource));
+}
+
+shared_ptr<HFGLFilter> HFGLFilter::createFilter(std::vector<std::string> fragmentSources,
+                                                std::vector<std::string> vertexSources) {
+    // Only the first pass of a description is ever drawn; that is intended.
+    const char* fragment = fragmentSources.empty() ? nullptr : fragmentSources[0].c_str();
+    const char* vertex = vertexSources.empty() ? nullptr : vertexSources[0].c_str();
+    return createFilter(fragment, vertex);
+}
+
+void HFGLFilter::loadProgram(int pass, const char* vertexSource, const char* fragmentSource) {
+    programs[pass] = GLFilterProgram::create(vertexSource, fragmentSource);
+    const GLFilterProgram& program = *programs[pass];
+    positionAttribs[pass] = program.attributeLocation("position");
+    texCoordAttribs[pass] = program.attributeLocation("inputTextureCoordinate");
+    // Pass i's sampler drives input i; only four inputs exist.
+    if (pass < kMaxInputs) samplerLocs[pass] = program.uniformLocation("inputImageTexture");
+    program.use();
+    if (positionAttribs[pass] >= 0) glEnableVertexAttribArray(positionAttribs[pass]);
+    if (texCoordAttribs[pass] >= 0) glEnableVertexAttribArray(texCoordAttribs[pass]);
+}
+
+void HFGLFilter::loadShader(const char* vertexSource, const char* fragmentSource) {
+    loadProgram(0, vertexSource, fragmentSource);
+}
+
+void HFGLFilter::loadShader(const unsigned char* vertexSource, const unsigned char* fragmentSource) {
+    loadShader(reinterpret_cast<const char*>(vertexSource), reinterpret_cast<const char*>(fragmentSource));
+}
+
+void HFGLFilter::loadShader(std::vector<std::string> first, std::vector<std::string> second) {
+    const size_t count = std::min({first.size(), second.size(), static_cast<size_t>(kMaxPrograms)});
+    for (size_t i = 0; i < count; ++i) {
+        loadProgram(static_cast<int>(i), second[i].c_str(), first[i].c_str());
+    }
+}
+
+void HFGLFilter::setInputTextureSize(HFSize size) {
+    if (size != inputSize && size.width != 0 && size.height != 0) destoryFBO();
+    inputSize = size;
+    setInt("width", size.width);
+    setInt("height", size.height);
+    // 1.0 / 0 in double precision is infinity; spelled out to stay defined.
+    setFloat("horStep", size.width == 0 ? INFINITY : static_cast<float>(1.0 / size.width));
+    setFloat("verStep", size.height == 0 ? INFINITY : static_cast<float>(1.0 / size.height));
+}
+
+void HFGLFilter::setInputTextureImage(_Image* image, int index) {
+    setInputTexture(HFGLTexture::createTexture(image, defaultTextureOptions), index);
+}
+
+void HFGLFilter::setInputTexture(shared_ptr<IHFTexture> texture, int index) {
+    if (index < 0 || index >= kMaxInputs) return;
+    inputs[index] = std::move(texture);
+    if (index == 0 && inputs[0]) setInputTextureSize(sizeOfTexture(inputs[0].get()));
+    if (samplerLocs[index] < 0) {
+        // Input 0 falls back to "inputImageTexture1"; input k uses "inputImageTexture<k+1>".
+        char name[64] = {0};
+        snprintf(name, sizeof name, "inputImageTexture%d", index + 1);
+        samplerLocs[index] = uniformInProgramZero(name);
+    }
+}
+
+shared_ptr<IHFTexture> HFGLFilter::getInputTexture(int index) {
+    if (index < 0 || index >= kMaxInputs) return shared_ptr<IHFTexture>();
+    return inputs[index];
+}
+
+void HFGLFilter::setProperty(const char*, float) {}
+
+void HFGLFilter::setFilterFBO() {
+    if (fbo.use_count() < 1) createFBO(sizeOfFBO());
+    fbo->bind();
+}
+
+void HFGLFilter::render(_Image* image) {
+    prepare();
+    setFilterFBO();
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    if (preRenderHook != nullptr) preRenderHook(this);
+    for (int pass = 0; pass < passCount; ++pass) {
+        if (!programs[pass]) continue;
+        programs[pass]->use();
+        for (int k = 0; k < kMaxInputs; ++k) {
+            if (!holdsTexture(inputs[k])) continue;
+            glActiveTexture(GL_TEXTURE0 + kFirstInputUnit + k);
+            glBindTexture(GL_TEXTURE_2D, glTextureNameOf(inputs[k].get()));
+            glUniform1i(samplerLocs[k], kFirstInputUnit + k);
+        }
+        if (positionAttribs[pass] >= 0) {
+            glVertexAttribPointer(positionAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, vertices);
+        }
+        if (texCoordAttribs[pass] >= 0) {
+            glVertexAttribPointer(texCoordAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, texCoords);
+        }
+        glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+    }
+    glDisable(GL_BLEND);
+    if (image != nullptr) readPixelsInto(image);
+}
+
+void HFGLFilter::setFrameBufferBlendMode(int source, int destination) {
+    glBlendEquation(GL_FUNC_ADD);
+    glBlendFunc(source, destination);
+    glEnable(GL_BLEND);
+}
+
+HFSize HFGLFilter::outputTextureSize() {
+    float m[9];
+    matrix3Multiply(m, baseMatrix, transformMatrix);
+    const float w = static_cast<float>(inputSize.width);
+    const float h = static_cast<float>(inputSize.height);
+    return HFSize{static_cast<int32_t>(fabsf(w * m[0] + h * m[3] + m[6])),
+                  static_cast<int32_t>(fabsf(w * m[1] + h * m[4] + m[7]))};
+}
+
+shared_ptr<IHFTexture> HFGLFilter::outputTexture() { return output; }
+
+void HFGLFilter::readOutput(_Image* image) {
+    setFilterFBO();
+    readPixelsInto(image);
+}
+
+// Reads only into a 4-channel image whose rows can hold the read-back rows.
+void HFGLFilter::readPixelsInto(_Image* image) {
+    if (image == nullptr || image->data == nullptr || image->channels != 4) return;
+    if (image->width <= 0 || image->height <= 0 || image->stride < image->width * 4) return;
+    glReadPixels(0, 0, image->width, image->height, GL_RGBA, GL_UNSIGNED_BYTE, image->data);
+}
+
+void HFGLFilter::clearMemoryData() {
+    output.release();
+    for (shared_ptr<IHFTexture>& input : inputs) input.release();
+}
+
+void HFGLFilter::cpuCodeSlot() {}
+
+GLint HFGLFilter::uniformInProgramZero(const char* name) {
+    if (!programs[0]) return -1;
+    programs[0]->use();
+    return programs[0]->uniformLocation(name);
+}
+
+void HFGLFilter::setInt(const char* name, int value) { glUniform1i(uniformInProgramZero(name), value); }
+
+void HFGLFilter::setFloat(const char* name, float value) { glUniform1f(uniformInProgramZero(name), value); }
+
+void HFGLFilter::setVec2(const char* name, float* values) { glUniform2fv(uniformInProgramZero(name), 1, values); }
+
+void HFGLFilter::setVec3(const char* name, float* values) { glUniform3fv(uniformInProgramZero(name), 1, values); }
+
+void HFGLFilter::setVec4(const char* name, float* values) { glUniform4fv(uniformInProgramZero(name), 1, values); }
+
+void HFGLFilter::setMatrix4(const char* name, float* values) {
+    glUniformMatrix4fv(uniformInProgramZero(name), 1, GL_FALSE, values);
+}
+
+void HFGLFilter::setFloatArray(const char* name, float* values, int count) {
+    glUniform1fv(uniformInProgramZero(name), count, values);
+}
+
+void HFGLFilter::setFloatArray(int index, float* values, int count) {
+    if (values == nullptr || count <= 0) return;
+    _Image* curve = create_image(count, 1, 1, -1);
+    if (curve == nullptr) return;
+    for (int i = 0; i < count; ++i) curve->data[i] = toCurveByte(values[i]);
+    setInputTextureImage(curve, index);
+    free_image(&curve);
+}
+
+void HFGLFilter::setVec2Array(const char* name, float* values, int count) {
+    glUniform2fv(uniformInProgramZero(name), count, values);
+}
+
+float HFGLFilter::getProperty(const char*) { return 0.0f; }
+
+void HFGLFilter::prepare() {}
+
+void HFGLFilter::setRotation(float radians) {
+    rotation = radians;
+    updateMatrix();
+}
+
+void HFGLFilter::setFlipMode(HFFlipMode mode) {
+    flipMode = static_cast<float>(mode);
+    updateMatrix();
+}
+
+void HFGLFilter::updateMatrix() {
+    float sx = 1.0f;
+    float sy = 1.0f;
+    if (flipMode == HFFlipModeHorizontal) {
+        sx = -1.0f;
+    } else if (flipMode == HFFlipModeVertical) {
+        sy = -1.0f;
+    } else if (flipMode == HFFlipModeBoth) {
+        sx = -1.0f;
+        sy = -1.0f;
+    }
+    matrix3Identity(transformMatrix);
+    matrix3Translate(transformMatrix, -0.5f, -0.5f);
+    matrix3Scale(transformMatrix, sx, sy);
+    matrix3Rotate(transformMatrix, rotation);
+    matrix3Translate(transformMatrix, 0.5f, 0.5f);
+}
+
+HFSize HFGLFilter::sizeOfFBO() {
+    const HFSize size = outputTextureSize();
+    return HFSize{static_cast<int32_t>(size.width * outputScaleFactor),
+                  static_cast<int32_t>(size.height * outputScaleFactor)};
+}
+
+void HFGLFilter::createFBO(HFSize size) {
+    // clearMemoryData may have dropped the output; the target needs one.
+    if (!output) output = HFGLTexture::createTexture(static_cast<_Image*>(nullptr), defaultTextureOptions);
+    static_cast<HFGLTexture*>(output.get())->resize(size.width, size.height);
+    fbo = GLFilterFBO::create();
+    fbo->attach(output);
+    fbo->setSize(size.width, size.height);
+}
+
+void HFGLFilter::destoryFBO() { fbo.release(); }

@@ -1,0 +1,49 @@
+#include "engine/gl/gl_filter_impl.h"
+
+#include <tinyxml2.h>
+
+#include "engine/gl/xml_text.h"
+#include "engine/resource_loader.h"
+
+HFGLFilterImpl::~HFGLFilterImpl() = default;
+
+std::string HFGLFilterImpl::pathOf(const std::string& name) { return "filter/gl/" + name + ".xml"; }
+
+void HFGLFilterImpl::load(const std::string& name) {
+    fragmentSources.clear();
+    vertexSources.clear();
+
+    tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
+    _Image* blob = HFResourceLoader_loadDataResource(pathOf(name).c_str());
+    if (blob == nullptr) return;
+    document.Parse(reinterpret_cast<const char*>(blob->data), static_cast<size_t>(blob->width));
+    free_image(&blob);
+
+    const tinyxml2::XMLElement* root = document.FirstChildElement();
+    if (root == nullptr) return;
+    // Sources are kept exactly as written, whitespace included.
+    if (const char* vertex = xmlTextOf(root->FirstChildElement("vertex"))) vertexSources.push_back(vertex);
+    for (const tinyxml2::XMLElement* fragment = root->FirstChildElement("fragment"); fragment != nullptr;
+         fragment = fragment->NextSiblingElement("fragment")) {
+        const char* text = xmlTextOf(fragment);
+        fragmentSources.push_back(text != nullptr ? text : "");
+    }
+    if (vertexSources.size() == 1 && fragmentSources.size() >= 2) {
+        vertexSources.resize(fragmentSources.size(), vertexSources[0]);
+    }
+}
+
+HFGLFilterImplCache& glFilterImplCache() {
+    static HFGLFilterImplCache cache;
+    return cache;
+}
+
+shared_ptr<HFGLFilterImpl> HFGLFilterImpl_lookup(const std::string& name) {
+    HFGLFilterImplCache& cache = glFilterImplCache();
+    auto found = cache.find(name);
+    if (found != cache.end()) return found->second;
+    shared_ptr<HFGLFilterImpl> impl(new HFGLFilterImpl());
+    impl->load(name);
+    cache.insert(HFGLFilterImplCache::value_type(name, impl));
+    return impl;
+}

@@ -1,0 +1,34 @@
+// A parsed GL description "filter/gl/<name>.xml": the shader texts of each
+// pass, still in whatever protected form they were shipped in.
+#ifndef IFC_ENGINE_GL_GL_FILTER_IMPL_H
+#define IFC_ENGINE_GL_GL_FILTER_IMPL_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "engine/shared_ptr.h"
+#include "image_filter/image.h"
+
+struct IFC_API HFGLFilterImpl {
+    std::vector<std::string> fragmentSources;
+    // The first "vertex" text, repeated once per fragment when there are
+    // several fragments.
+    std::vector<std::string> vertexSources;
+
+    virtual ~HFGLFilterImpl();
+
+    // A missing or unreadable file leaves both vectors empty.
+    void load(const std::string& name);
+
+    static std::string pathOf(const std::string& name);
+};
+
+using HFGLFilterImplCache = std::map<std::string, shared_ptr<HFGLFilterImpl>>;
+
+// Process-wide, filled on first use of each name and never emptied; a
+// description that failed to load stays cached as empty.
+IFC_API HFGLFilterImplCache& glFilterImplCache();
+IFC_API shared_ptr<HFGLFilterImpl> HFGLFilterImpl_lookup(const std::string& name);
+
+#endif  // IFC_ENGINE_GL_GL_FILTER_IMPL_H

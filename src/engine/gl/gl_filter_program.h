@@ -1,0 +1,30 @@
+// A linked shader program of a GL leaf filter. Sources are deciphered just
+// before they are compiled; the record deletes its GL objects when the last
+// handle goes.
+#ifndef IFC_ENGINE_GL_GL_FILTER_PROGRAM_H
+#define IFC_ENGINE_GL_GL_FILTER_PROGRAM_H
+
+#include <GLES2/gl2.h>
+
+#include "engine/shared_ptr.h"
+
+struct GLFilterProgram {
+    GLuint program = 0;
+    GLuint vertexShader = 0;
+    GLuint fragmentShader = 0;
+
+    GLFilterProgram() = default;
+    GLFilterProgram(const GLFilterProgram&) = delete;
+    GLFilterProgram& operator=(const GLFilterProgram&) = delete;
+    virtual ~GLFilterProgram();
+
+    // Compile and link failures are only logged: the record is returned all
+    // the same and draws nothing useful.
+    static shared_ptr<GLFilterProgram> create(const char* vertexSource, const char* fragmentSource);
+
+    GLint attributeLocation(const char* name) const { return glGetAttribLocation(program, name); }
+    GLint uniformLocation(const char* name) const { return glGetUniformLocation(program, name); }
+    void use() const { glUseProgram(program); }
+};
+
+#endif  // IFC_ENGINE_GL_GL_FILTER_PROGRAM_H

@@ -1,1 +1,0 @@
-// Filter engine: filled in by its own change.
