@@ -14,7 +14,10 @@ HFFilterWraper::~HFFilterWraper() {
 
 shared_ptr<IHFFilter> HFFilterWraper::loadFilterPackage(std::string name) {
     shared_ptr<IHFFilterNode> node = HFFilterPackage_node(name);
-    return node ? node->createFilter() : shared_ptr<IHFFilter>();
+    if (!node) return shared_ptr<IHFFilter>();
+    shared_ptr<IHFFilter> filter = node->createFilter();
+    if (!filter) HFFilterPackage_logError(name, "builds no filter");
+    return filter;
 }
 
 // Wrapping applies the default sampling options to the caller's texture; the

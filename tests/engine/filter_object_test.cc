@@ -1,0 +1,165 @@
+#include "engine/filter_object.h"
+
+#include <gtest/gtest.h>
+
+#include "recording_filter.h"
+
+namespace {
+
+using Lists = std::vector<HFFilterObject::DestinationList>;
+using D = HFFilterObject::Destination;
+
+class FilterObjectTest : public ::testing::Test {
+protected:
+    // A -> B -> C, each reporting a distinct output size.
+    shared_ptr<HFFilterObject> chain() {
+        shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
+        composite->addFilter(RecordingFilter::make("A", &journal, HFSize{1, 1}));
+        composite->addFilter(RecordingFilter::make("B", &journal, HFSize{2, 2}));
+        composite->addFilter(RecordingFilter::make("C", &journal, HFSize{3, 3}));
+        return composite;
+    }
+
+    Journal journal;
+};
+
+TEST_F(FilterObjectTest, ChainRendersFrontToBackHandingOutputsAndSizes) {
+    shared_ptr<HFFilterObject> composite = chain();
+    EXPECT_EQ((Lists{{D(1, 0)}, {D(2, 0)}, {}}), composite->outputWiring());
+
+    composite->render(nullptr);
+    EXPECT_EQ((Journal{"A: render null", "B: size 1x1", "B: input A.out @0", "B: render null", "C: size 2x2",
+                       "C: input B.out @0", "C: render null"}),
+              journal);
+}
+
+TEST_F(FilterObjectTest, CallerImageGoesToFirstChildAndOnlyTheLastRendersIntoIt) {
+    shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
+    composite->addFilter(RecordingFilter::make("A", &journal));
+    composite->addFilter(RecordingFilter::make("B", &journal));
+    _Image image = {};
+    composite->render(&image);
+    EXPECT_EQ((Journal{"A: image set @0", "A: render null", "B: size 4x2", "B: input A.out @0", "B: render image"}),
+              journal);
+}
+
+TEST_F(FilterObjectTest, SingleChildRendersOnceAndKeepsItsMemory) {
+    shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
+    composite->addFilter(RecordingFilter::make("A", &journal));
+    composite->render(nullptr);
+    composite->clearMemoryData();
+    EXPECT_EQ((Journal{"A: render null"}), journal);
+}
+
+TEST_F(FilterObjectTest, RelationToALinkedSlotReplacesTheChainLink) {
+    shared_ptr<HFFilterObject> composite = chain();
+    composite->addMap(0, 2, 0);
+    EXPECT_EQ((Lists{{D(1, 0), D(2, 0)}, {}, {}, {}}), composite->outputWiring());
+
+    composite->render(nullptr);
+    EXPECT_EQ((Journal{"A: render null", "B: size 1x1", "B: input A.out @0", "C: size 1x1", "C: input A.out @0",
+                       "B: render null", "C: render null"}),
+              journal);
+}
+
+TEST_F(FilterObjectTest, RelationToAFreeSlotAddsAnInput) {
+    shared_ptr<HFFilterObject> composite = chain();
+    composite->addMap(0, 2, 1);
+    EXPECT_EQ((Lists{{D(1, 0), D(2, 1)}, {D(2, 0)}, {}, {}}), composite->outputWiring());
+}
+
+TEST_F(FilterObjectTest, OutOfRangeMapsFollowTheUnsignedRules) {
+    shared_ptr<HFFilterObject> composite = chain();
+    const Lists chained = composite->outputWiring();
+    composite->addMap(5, 0, 0);
+    composite->addMap(3, 0, 0);
+    composite->addMap(0, -2, 0);
+    composite->addMap(0, 4, 0);
+    EXPECT_EQ(chained, composite->outputWiring());
+
+    // One past the last child is stored, and skipped when rendering.
+    composite->addMap(0, 3, 0);
+    EXPECT_EQ((Lists{{D(1, 0), D(3, 0)}, {D(2, 0)}, {}, {}}), composite->outputWiring());
+    composite->render(nullptr);
+    EXPECT_EQ(7u, journal.size());
+}
+
+TEST_F(FilterObjectTest, CompositeInputsFeedExtraDestinations) {
+    shared_ptr<HFFilterObject> composite = chain();
+    composite->addMap(-1, 2, 1);
+    composite->addMap(-1, -2, 0);  // stored unchecked, addresses no child
+    EXPECT_EQ((HFFilterObject::DestinationList{D(2, 1), D(-2, 0)}), composite->inputWiring(0));
+
+    composite->setInputTexture(shared_ptr<IHFTexture>(new LabelTexture("in")), 0);
+    composite->setInputTexture(shared_ptr<IHFTexture>(new LabelTexture("second")), 1);
+    EXPECT_EQ((Journal{"A: input in @0", "C: input in @1", "A: input second @1"}), journal);
+    EXPECT_EQ("in", labelOf(composite->getInputTexture(0)));
+}
+
+TEST_F(FilterObjectTest, ClearMapDropsOutputWiringOnly) {
+    shared_ptr<HFFilterObject> composite = chain();
+    composite->addMap(-1, 1, 1);
+    composite->clearMap();
+    EXPECT_EQ((Lists{{}, {}, {}}), composite->outputWiring());
+    EXPECT_EQ(1u, composite->inputWiring(0).size());
+    composite->render(nullptr);
+    EXPECT_EQ((Journal{"A: render null", "B: render null", "C: render null"}), journal);
+}
+
+TEST_F(FilterObjectTest, PropertiesReachNestedChildrenAndLastChildAnswers) {
+    shared_ptr<HFFilterObject> inner = HFFilterObject::createFilter();
+    inner->addFilter(RecordingFilter::make("X", &journal));
+    inner->addFilter(RecordingFilter::make("Y", &journal, HFSize{7, 5}));
+    shared_ptr<HFFilterObject> outer = HFFilterObject::createFilter();
+    outer->addFilter(RecordingFilter::make("A", &journal));
+    outer->addFilter(inner);
+
+    outer->setProperty("x", 1.0f);
+    outer->setFilterFBO();
+    outer->setFrameBufferBlendMode(1, 2);
+    EXPECT_EQ((Journal{"A: property x=1.000000", "X: property x=1.000000", "Y: property x=1.000000", "Y: fbo"}),
+              journal);
+    EXPECT_EQ(7, outer->outputTextureSize().width);
+    EXPECT_EQ("Y.out", labelOf(outer->outputTexture()));
+}
+
+TEST_F(FilterObjectTest, ReleaseIntermediatesClearsEachSourceAfterHandingOn) {
+    shared_ptr<HFFilterObject> composite = chain();
+    composite->setReleaseIntermediates(true);
+    composite->render(nullptr);
+    EXPECT_EQ((Journal{"A: render null", "B: size 1x1", "B: input A.out @0", "A: clear", "B: render null",
+                       "C: size 2x2", "C: input B.out @0", "B: clear", "C: render null"}),
+              journal);
+    journal.clear();
+    composite->clearMemoryData();
+    EXPECT_EQ((Journal{"A: clear", "B: clear"}), journal);
+}
+
+TEST_F(FilterObjectTest, EmptyCompositeIsANoOp) {
+    shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
+    composite->render(nullptr);
+    composite->setInputTexture(shared_ptr<IHFTexture>(new LabelTexture("in")), 0);
+    composite->setFilterFBO();
+    composite->clearMemoryData();
+    EXPECT_FALSE(composite->outputTexture());
+    EXPECT_FALSE(composite->getInputTexture(0));
+}
+
+TEST_F(FilterObjectTest, ChildrenAreDestroyedInOrderWithTheComposite) {
+    Journal destroyed;
+    const int liveBefore = RecordingFilter::live;
+    {
+        shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
+        for (const char* name : {"A", "B", "C"}) {
+            RecordingFilter* filter = new RecordingFilter(name, &journal);
+            filter->destroyed = &destroyed;
+            composite->addFilter(shared_ptr<IHFFilter>(filter));
+        }
+        composite->render(nullptr);
+        EXPECT_EQ(liveBefore + 3, RecordingFilter::live);
+    }
+    EXPECT_EQ((Journal{"A", "B", "C"}), destroyed);
+    EXPECT_EQ(liveBefore, RecordingFilter::live);
+}
+
+}  // namespace
