@@ -4,10 +4,11 @@
 
 extern "C" {
 
-// The class is not checked: a missing class leaves NoClassDefFoundError pending.
+// An unknown class name leaves FindClass's NoClassDefFoundError pending
+// instead of the requested exception.
 void jniThrowException(JNIEnv* env, const char* className, const char* message) {
     LocalRef<jclass> clazz(env, env->FindClass(className));
-    env->ThrowNew(clazz.get(), message);
+    if (clazz.get() != nullptr) env->ThrowNew(clazz.get(), message);
 }
 
 void jniThrowNullPointerException(JNIEnv* env, const char* message) {

@@ -2,11 +2,12 @@
 #include <cstdarg>
 
 #include "jni/bridge.h"
+#include "jni/bridge_internal.h"
 
 extern "C" {
 
 int GetImageInfo(JNIEnv* env, ImageInfo* info) {
-    info->clazz = env->FindClass("com/lumeric/filter/QImage");
+    info->clazz = jniFindAppClass(env, "com/lumeric/filter/QImage");
     info->width = env->GetFieldID(info->clazz, "width", "I");
     info->height = env->GetFieldID(info->clazz, "height", "I");
     info->nativeImage = env->GetFieldID(info->clazz, "nativeImage", "J");

@@ -1,10 +1,11 @@
 // Binding of com/lumeric/filter/MRect to the native MRect.
 #include "jni/bridge.h"
+#include "jni/bridge_internal.h"
 
 extern "C" {
 
 void getRectID(JNIEnv* env, RectInfo* info) {
-    info->clazz = env->FindClass("com/lumeric/filter/MRect");
+    info->clazz = jniFindAppClass(env, "com/lumeric/filter/MRect");
     if (info->clazz == nullptr) return;
     info->x = env->GetFieldID(info->clazz, "x", "I");
     info->y = env->GetFieldID(info->clazz, "y", "I");
