@@ -171,6 +171,14 @@ TEST(DecipherShaderSource, OneBlockForm) {
     free(decipherShaderSource("aes"));
 }
 
+TEST(DecipherShaderSource, PackedIntegerForms) {
+    EXPECT_EQ("", decipher("mee"));
+    EXPECT_EQ("abc", decipher("mee3x6513249x"));
+    EXPECT_EQ("hello", decipher("mee5x1819043176x111x"));
+    EXPECT_EQ("hell", decipher("hfe4f1819043181l"));
+    EXPECT_EQ("ki", decipher("hfe2f26990h"));
+}
+
 TEST(DecipherShaderSource, UnknownPrefixesAreNotDeciphered) {
     EXPECT_EQ("<null>", decipher("IOS00112233"));
     EXPECT_EQ("<null>", decipher("Aes00"));
