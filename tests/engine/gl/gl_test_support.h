@@ -1,9 +1,6 @@
-// Shared pieces of the GL leaf filter tests: shader texts, packed-text
-// encoding, images and log capture.
+// Shader texts and small helpers shared by the GL leaf filter tests.
 #ifndef IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
 #define IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
-
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
@@ -17,12 +14,18 @@ constexpr const char* kVertex =
     "attribute vec4 position; attribute vec2 inputTextureCoordinate; varying vec2 uv;\n"
     "void main(){ gl_Position = position; uv = inputTextureCoordinate; }\n";
 
-// Samples input 0 and swaps red and blue, so a pass-through cannot fake it.
+// Swaps red and blue of input 0, so a pass-through cannot fake it.
 constexpr const char* kSwapFragment =
     "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
     "void main(){ gl_FragColor = texture2D(inputImageTexture, uv).bgra; }\n";
 
-// Declares every uniform kind a description can set, all of them used.
+// Shows input 1 (sampler "inputImageTexture2").
+constexpr const char* kSecondInputFragment =
+    "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
+    "uniform sampler2D inputImageTexture2;\n"
+    "void main(){ gl_FragColor = texture2D(inputImageTexture2, uv); }\n";
+
+// Uses every uniform kind a description can set.
 constexpr const char* kUniformFragment =
     "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
     "uniform sampler2D inputImageTexture2;\n"
@@ -32,7 +35,7 @@ constexpr const char* kUniformFragment =
     "  gl_FragColor = colorMatrix * c * amount + tint + vec4(toneCurve[0] + toneCurve[1] + toneCurve[255])\n"
     "    + vec4(float(width + height) * horStep * verStep); }\n";
 
-// The "mee" packed form of a text: length, x, then 4-byte little-endian words.
+// The "mee" packed form: length, x, then 4-byte little-endian words, each ended by x.
 inline std::string packMee(const std::string& text) {
     std::string packed = "mee" + std::to_string(text.size()) + "x";
     for (size_t i = 0; i < text.size(); i += 4) {
@@ -45,30 +48,12 @@ inline std::string packMee(const std::string& text) {
     return packed;
 }
 
-// A tightly packed RGBA image from bytes (width * height * 4 of them).
+// A tightly packed RGBA image of width * height pixels from `bytes`.
 inline _Image* makeRGBA(int width, int height, const std::vector<unsigned char>& bytes) {
     _Image* image = create_image(width, height, 4, width * 4);
     for (size_t i = 0; i < bytes.size(); ++i) image->data[i] = bytes[i];
     return image;
 }
-
-// What the library logged (liblog writes to stderr on the host).
-class LogCapture {
-public:
-    LogCapture() { ::testing::internal::CaptureStderr(); }
-    std::string text() {
-        if (!taken) {
-            captured = ::testing::internal::GetCapturedStderr();
-            taken = true;
-        }
-        return captured;
-    }
-    ~LogCapture() { text(); }
-
-private:
-    std::string captured;
-    bool taken = false;
-};
 
 }  // namespace gltest
 
