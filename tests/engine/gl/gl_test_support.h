@@ -1,0 +1,60 @@
+// Shader texts and small helpers shared by the GL leaf filter tests.
+#ifndef IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
+#define IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "image_filter/image.h"
+
+namespace gltest {
+
+constexpr const char* kVertex =
+    "attribute vec4 position; attribute vec2 inputTextureCoordinate; varying vec2 uv;\n"
+    "void main(){ gl_Position = position; uv = inputTextureCoordinate; }\n";
+
+// Swaps red and blue of input 0, so a pass-through cannot fake it.
+constexpr const char* kSwapFragment =
+    "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
+    "void main(){ gl_FragColor = texture2D(inputImageTexture, uv).bgra; }\n";
+
+// Shows input 1 (sampler "inputImageTexture2").
+constexpr const char* kSecondInputFragment =
+    "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
+    "uniform sampler2D inputImageTexture2;\n"
+    "void main(){ gl_FragColor = texture2D(inputImageTexture2, uv); }\n";
+
+// Uses every uniform kind a description can set.
+constexpr const char* kUniformFragment =
+    "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
+    "uniform sampler2D inputImageTexture2;\n"
+    "uniform float amount; uniform vec4 tint; uniform mat4 colorMatrix; uniform float toneCurve[256];\n"
+    "uniform int width; uniform int height; uniform float horStep; uniform float verStep;\n"
+    "void main(){ vec4 c = texture2D(inputImageTexture, uv) + texture2D(inputImageTexture2, uv);\n"
+    "  gl_FragColor = colorMatrix * c * amount + tint + vec4(toneCurve[0] + toneCurve[1] + toneCurve[255])\n"
+    "    + vec4(float(width + height) * horStep * verStep); }\n";
+
+// The "mee" packed form: length, x, then 4-byte little-endian words, each ended by x.
+inline std::string packMee(const std::string& text) {
+    std::string packed = "mee" + std::to_string(text.size()) + "x";
+    for (size_t i = 0; i < text.size(); i += 4) {
+        uint32_t word = 0;
+        for (size_t k = 0; k < 4 && i + k < text.size(); ++k) {
+            word |= static_cast<uint32_t>(static_cast<unsigned char>(text[i + k])) << (8 * k);
+        }
+        packed += std::to_string(static_cast<int32_t>(word)) + "x";
+    }
+    return packed;
+}
+
+// A tightly packed RGBA image of width * height pixels from `bytes`.
+inline _Image* makeRGBA(int width, int height, const std::vector<unsigned char>& bytes) {
+    _Image* image = create_image(width, height, 4, width * 4);
+    for (size_t i = 0; i < bytes.size(); ++i) image->data[i] = bytes[i];
+    return image;
+}
+
+}  // namespace gltest
+
+#endif  // IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
