@@ -5,6 +5,9 @@
 
 #include <jni.h>
 
+#include <cstddef>
+#include <cstdint>
+
 #include "image_filter/image.h"
 #include "jni/log.h"
 
@@ -77,6 +80,15 @@ IFC_API void release_time_recorder();
 IFC_API int get_recorder_time();
 
 }  // extern "C"
+
+// Variadic forwarders: CallStaticObjectMethodV (resource callbacks) and
+// NewObjectV (constructing Java objects from varargs).
+jobject jniCallStaticObjectMethod(JNIEnv* env, jclass clazz, jmethodID method, ...);
+jobject jniNewObject(JNIEnv* env, jclass clazz, jmethodID constructor, ...);
+
+// Copies the image's stride x height bytes (never more than it owns) into
+// pixels holding `capacity` bytes; returns the bytes copied.
+size_t copyImageToPixels(const _Image* image, void* pixels, size_t capacity);
 
 // Java long <-> native pointer, full width on every ABI.
 inline jlong toJavaHandle(const void* p) { return static_cast<jlong>(reinterpret_cast<intptr_t>(p)); }

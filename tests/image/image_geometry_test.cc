@@ -1,0 +1,200 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "image_test_util.h"
+
+using ::testing::ElementsAre;
+
+namespace {
+
+// One-channel image whose pixel (x, y) holds y * 10 + x.
+ImagePtr gridImage(int width, int height, int stride = 0) {
+    ImagePtr image(create_image(width, height, 1, stride));
+    std::memset(image->data, 0xEE, image->size);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) image->data[y * image->stride + x] = static_cast<unsigned char>(y * 10 + x);
+    return image;
+}
+
+std::vector<int> row(const _Image* image, int y, int rowBytes) {
+    return bytesOf(image->data + y * rowBytes, rowBytes);
+}
+
+}  // namespace
+
+TEST(ImageCrop, EveryRowLandsOnTheBufferStart) {
+    ImagePtr source = gridImage(4, 3);
+    MRect rect{1, 0, 2, 3};
+    FilledRecord out;
+    crop_image(&out.image, source.get(), &rect);
+    EXPECT_EQ(out.image.width, 2);
+    EXPECT_EQ(out.image.height, 3);
+    EXPECT_EQ(out.image.channels, 0);
+    EXPECT_EQ(out.image.stride, 0);
+    EXPECT_EQ(out.image.size, source->size);
+    EXPECT_THAT(bytesOf(out.image.data, 2), ElementsAre(21, 22));  // the last row copied
+}
+
+TEST(ImageCrop, SourceRowsStepByWidthNotStride) {
+    ImagePtr source = indexedImage(3, 2, 1);  // stride 4, bytes 0..7
+    MRect rect{0, 1, 3, 1};
+    FilledRecord out;
+    crop_image(&out.image, source.get(), &rect);
+    EXPECT_THAT(bytesOf(out.image.data, 3), ElementsAre(3, 4, 5));
+}
+
+TEST(ImageCrop, WithAngleKeepsOnlyTheLastPixel) {
+    ImagePtr source = gridImage(4, 3);
+    MRect rect{1, 1, 2, 2};
+    FilledRecord out;
+    crop_image_with_angle(&out.image, source.get(), &rect);
+    EXPECT_EQ(out.image.channels, 0);
+    EXPECT_EQ(out.image.data[0], 22);
+}
+
+TEST(ImageScale, DownAndUpSampleByRoundedRatio) {
+    ImagePtr source = gridImage(4, 4);
+    ImagePtr half(scale_image_ptr(source.get(), 2, 2));
+    EXPECT_EQ(half->stride, 4);
+    EXPECT_THAT(bytesOf(half->data, 2), ElementsAre(0, 2));
+    EXPECT_THAT(bytesOf(half->data + 4, 2), ElementsAre(20, 22));
+
+    ImagePtr twice(scale_image_ptr(source.get(), 8, 8));
+    EXPECT_THAT(row(twice.get(), 0, 8), ElementsAre(0, 1, 1, 2, 2, 3, 3, 3));
+    std::vector<int> column;
+    for (int y = 0; y < 8; ++y) column.push_back(twice->data[y * 8]);
+    EXPECT_THAT(column, ElementsAre(0, 10, 10, 20, 20, 30, 30, 30));
+
+    ImagePtr third(scale_image_ptr(source.get(), 3, 1));  // round(x * 4 / 3): 0, 1, 3
+    EXPECT_THAT(bytesOf(third->data, 3), ElementsAre(0, 1, 3));
+}
+
+TEST(ImageScale, ReadsSourceThroughItsStrideAndPadsOnlyThePtrVariant) {
+    ImagePtr source(create_image(2, 2, 3, 0));  // stride 8
+    const unsigned char pixels[] = {1, 2, 3, 4, 5, 6, 0, 0, 7, 8, 9, 10, 11, 12, 0, 0};
+    std::memcpy(source->data, pixels, sizeof pixels);
+
+    ImagePtr padded(scale_image_ptr(source.get(), 3, 2));
+    EXPECT_EQ(padded->stride, 12);
+    EXPECT_THAT(bytesOf(padded->data + 12, 9), ElementsAre(7, 8, 9, 10, 11, 12, 10, 11, 12));
+
+    FilledRecord packed;
+    scale_image2(&packed.image, source.get(), 3, 2);
+    EXPECT_EQ(packed.image.stride, 9);
+    EXPECT_THAT(bytesOf(packed.image.data + 9, 9), ElementsAre(7, 8, 9, 10, 11, 12, 10, 11, 12));
+}
+
+TEST(ImageScale, InPlaceDropsLayoutAndMarkers) {
+    ImagePtr image = gridImage(4, 4);
+    image->layout = 0x01020304;
+    _ImageMarker marker{};
+    image->markers = &marker;
+    scale_image(image.get(), 2, 1);
+    EXPECT_EQ(image->width, 2);
+    EXPECT_EQ(image->stride, 2);
+    EXPECT_EQ(image->size, 2u);
+    EXPECT_EQ(image->layout, 0u);
+    EXPECT_EQ(image->markers, nullptr);
+    EXPECT_THAT(bytesOf(image->data, 2), ElementsAre(0, 2));
+}
+
+TEST(ImagePyramid, SkipsColumnZeroAndReadsOneFactorPastEachRow) {
+    ImagePtr source = gridImage(8, 4);
+    ImagePtr out(buildPyramid(source.get(), 2));
+    EXPECT_EQ(out->width, 4);
+    EXPECT_EQ(out->height, 2);
+    // Columns 2, 4, 6, 8 (= the next row's first pixel) of rows 0 and 2.
+    EXPECT_THAT(row(out.get(), 0, 4), ElementsAre(2, 4, 6, 10));
+    EXPECT_THAT(row(out.get(), 1, 4), ElementsAre(22, 24, 26, 30));
+}
+
+TEST(ImagePyramid, SamplesPastTheBufferReadAsZero) {
+    ImagePtr source = gridImage(4, 2);
+    ImagePtr out(buildPyramid(source.get(), 1));
+    EXPECT_THAT(row(out.get(), 0, 4), ElementsAre(1, 2, 3, 10));
+    EXPECT_THAT(row(out.get(), 1, 4), ElementsAre(11, 12, 13, 0));
+}
+
+TEST(ImagePyramid, CopiesWordsButKeepsThreeChannelPixels) {
+    ImagePtr source(create_image(4, 1, 3, 0));  // stride 12
+    for (int i = 0; i < 12; ++i) source->data[i] = static_cast<unsigned char>(i + 1);
+    ImagePtr out(buildPyramid(source.get(), 1));
+    // Columns 1, 2, 3 and then past the end (0).
+    EXPECT_THAT(bytesOf(out->data, 12), ElementsAre(4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0, 0));
+}
+
+TEST(ImagePyramid, ZeroFactorGivesNullAndMinusOneNegatesSizes) {
+    ImagePtr source = gridImage(8, 2);
+    EXPECT_EQ(buildPyramid(source.get(), 0), nullptr);
+    ImagePtr negative(buildPyramid(source.get(), -1));
+    ASSERT_NE(negative, nullptr);
+    EXPECT_EQ(negative->width, -8);
+    EXPECT_EQ(negative->height, -2);
+}
+
+TEST(ImageGray, WeightsByteTwoAsRedAndTruncates) {
+    const unsigned char pixels[] = {0, 0, 255, 99, 10, 20, 30, 99, 255, 255, 255, 0, 1, 1, 1, 0};
+    FilledRecord gray;
+    convert_image_gray(&gray.image, pixels, 12345, 2, 2, 4);
+    EXPECT_EQ(gray.image.channels, 1);
+    EXPECT_EQ(gray.image.stride, 2);
+    // 0.299 * 30 + 0.587 * 20 + 0.114 * 10 = 21.85; the weights of (1, 1, 1) sum just below 1.
+    EXPECT_THAT(bytesOf(gray.image.data, 4), ElementsAre(76, 21, 255, 0));
+}
+
+TEST(ImageRotate, QuarterTurnIsClockwiseAndKeepsSize) {
+    ImagePtr image = gridImage(3, 2, 3);  // packed rows
+    uint32_t size = image->size;
+    rotateImage(image.get(), 90);
+    EXPECT_EQ(image->width, 2);
+    EXPECT_EQ(image->height, 3);
+    EXPECT_EQ(image->stride, 2);
+    EXPECT_EQ(image->size, size);
+    // The first row is the old first column read bottom to top.
+    EXPECT_THAT(bytesOf(image->data, 6), ElementsAre(10, 0, 11, 1, 12, 2));
+}
+
+TEST(ImageRotate, HalfAndThreeQuarterTurns) {
+    ImagePtr half = gridImage(3, 2, 3);
+    rotateImage(half.get(), 180);
+    EXPECT_THAT(bytesOf(half->data, 6), ElementsAre(12, 11, 10, 2, 1, 0));
+
+    ImagePtr three = gridImage(3, 2, 3);
+    rotateImage(three.get(), 270);
+    EXPECT_EQ(three->width, 2);
+    EXPECT_THAT(bytesOf(three->data, 6), ElementsAre(2, 12, 1, 11, 0, 10));
+
+    ImagePtr other = gridImage(3, 2, 3);
+    rotateImage(other.get(), -90);
+    rotateImage(other.get(), 45);
+    EXPECT_EQ(other->width, 3);
+    EXPECT_THAT(bytesOf(other->data, 6), ElementsAre(0, 1, 2, 10, 11, 12));
+}
+
+TEST(ImageRotate, IgnoresPaddedStride) {
+    ImagePtr image = indexedImage(3, 2, 1);  // stride 4, rows read 3 bytes apart
+    rotateImage(image.get(), 90);
+    EXPECT_THAT(bytesOf(image->data, 6), ElementsAre(3, 0, 4, 1, 5, 2));
+}
+
+TEST(ImageRotate, EmptyImageStillSwapsDimensions) {
+    ImagePtr image(create_image(3, 0, 4, 0));
+    rotateImage(image.get(), 90);
+    EXPECT_EQ(image->width, 0);
+    EXPECT_EQ(image->height, 3);
+    EXPECT_NE(image->data, nullptr);
+}
+
+TEST(ImageFlip, VerticalThenHorizontalOnWholePixels) {
+    ImagePtr image(create_image(3, 3, 2, 6));
+    for (int i = 0; i < 18; ++i) image->data[i] = static_cast<unsigned char>(i);
+    flipImage(image.get(), 0, 1);
+    EXPECT_THAT(bytesOf(image->data, 18),
+                ElementsAre(12, 13, 14, 15, 16, 17, 6, 7, 8, 9, 10, 11, 0, 1, 2, 3, 4, 5));
+    flipImage(image.get(), 1, 0);
+    EXPECT_THAT(bytesOf(image->data, 6), ElementsAre(16, 17, 14, 15, 12, 13));
+    EXPECT_THAT(bytesOf(image->data + 6, 6), ElementsAre(10, 11, 8, 9, 6, 7));
+    flipImage(image.get(), 0, 0);
+    flipImage(image.get(), -1, -1);
+    EXPECT_EQ(image->data[0], 16);
+}

@@ -1,0 +1,153 @@
+// Host-only JNI library for the Java tests of the bridge: it calls the very
+// functions that the loaded libimage_filter_common.so exports, most of which
+// Java cannot reach directly.
+#include <jni.h>
+
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "jni/bridge.h"
+#include "capture_stderr.h"
+
+namespace {
+
+class Utf8 {
+public:
+    Utf8(JNIEnv* env, jstring text)
+        : env_(env), text_(text), chars_(env->GetStringUTFChars(text, nullptr)) {}
+    ~Utf8() { env_->ReleaseStringUTFChars(text_, chars_); }
+    Utf8(const Utf8&) = delete;
+    Utf8& operator=(const Utf8&) = delete;
+    const char* get() const { return chars_; }
+
+private:
+    JNIEnv* env_;
+    jstring text_;
+    const char* chars_;
+};
+
+jintArray intArray(JNIEnv* env, std::initializer_list<jint> values) {
+    jintArray out = env->NewIntArray(static_cast<jsize>(values.size()));
+    env->SetIntArrayRegion(out, 0, static_cast<jsize>(values.size()), values.begin());
+    return out;
+}
+
+}  // namespace
+
+#define PROBE(ret, name) extern "C" JNIEXPORT ret JNICALL Java_com_lumeric_bridge_BridgeProbe_##name
+
+// Image whose byte i holds i & 0xFF, derived stride.
+PROBE(jlong, newImage)(JNIEnv*, jclass, jint width, jint height, jint channels) {
+    _Image* image = create_image(width, height, static_cast<unsigned>(channels), -1);
+    for (uint32_t i = 0; i < image->size; ++i) image->data[i] = static_cast<unsigned char>(i);
+    return toJavaHandle(image);
+}
+
+PROBE(void, freeImage)(JNIEnv*, jclass, jlong handle) {
+    _Image* image = fromJavaHandle<_Image>(handle);
+    free_image(&image);
+}
+
+// width, height, channels, stride, size, data != null
+PROBE(jintArray, describe)(JNIEnv* env, jclass, jlong handle) {
+    const _Image* image = fromJavaHandle<_Image>(handle);
+    return intArray(env, {image->width, image->height, image->channels, image->stride,
+                          static_cast<jint>(image->size), image->data != nullptr});
+}
+
+PROBE(jbyteArray, bytes)(JNIEnv* env, jclass, jlong handle) {
+    const _Image* image = fromJavaHandle<_Image>(handle);
+    jsize n = static_cast<jsize>(image->size);
+    jbyteArray out = env->NewByteArray(n);
+    if (n > 0) env->SetByteArrayRegion(out, 0, n, reinterpret_cast<const jbyte*>(image->data));
+    return out;
+}
+
+PROBE(void, attach)(JNIEnv* env, jclass, jobject qimage, jlong handle) {
+    ImageInfo info;
+    GetImageInfo(env, &info);
+    SetNativeImage(env, &info, qimage, fromJavaHandle<_Image>(handle));
+}
+
+PROBE(jlong, attached)(JNIEnv* env, jclass, jobject qimage) {
+    return toJavaHandle(GetNativeImageFromQImage(env, qimage));
+}
+
+PROBE(jobject, newQImage)(JNIEnv* env, jclass) {
+    ImageInfo info;
+    GetImageInfo(env, &info);
+    return CreateQImage(env, &info);
+}
+
+PROBE(jintArray, rect)(JNIEnv* env, jclass, jobject rect) {
+    MRect out{};
+    convertObj2Rect(env, rect, &out);
+    return intArray(env, {out.x, out.y, out.width, out.height});
+}
+
+PROBE(jlong, loadResource)(JNIEnv* env, jclass, jstring path, jint kind) {
+    Utf8 utf(env, path);
+    return toJavaHandle(jniLoadBundleResource(utf.get(), kind));
+}
+
+// The callback runs on a thread that Java never called.
+PROBE(jlong, loadResourceOnNativeThread)(JNIEnv* env, jclass, jstring path, jint kind) {
+    Utf8 utf(env, path);
+    std::string copy(utf.get());
+    _Image* image = nullptr;
+    std::thread worker([&] { image = jniLoadBundleResource(copy.c_str(), kind); });
+    worker.join();
+    return toJavaHandle(image);
+}
+
+PROBE(jboolean, envIsCallers)(JNIEnv* env, jclass) { return jniGetEnv() == env; }
+
+PROBE(void, throwNamed)(JNIEnv* env, jclass, jstring className, jstring message) {
+    Utf8 name(env, className);
+    Utf8 text(env, message);
+    jniThrowException(env, name.get(), text.get());
+}
+
+PROBE(void, throwNull)(JNIEnv* env, jclass, jstring message) {
+    Utf8 text(env, message);
+    jniThrowNullPointerException(env, text.get());
+}
+
+PROBE(void, throwRuntime)(JNIEnv* env, jclass, jstring message) {
+    Utf8 text(env, message);
+    jniThrowRuntimeException(env, text.get());
+}
+
+PROBE(void, checkImage)(JNIEnv* env, jclass, jlong handle) {
+    Check_Image(env, fromJavaHandle<_Image>(handle));
+}
+
+// {formatted "%s|%d" of text and number, what the logger wrote meanwhile}
+PROBE(jobjectArray, formatCapturingLog)(JNIEnv* env, jclass, jstring text, jint number) {
+    Utf8 utf(env, text);
+    char* formatted = nullptr;
+    std::string log = captureStderr([&] { formatted = format_utf8string("%s|%d", utf.get(), number); });
+    jclass stringClass = env->FindClass("java/lang/String");
+    jobjectArray out = env->NewObjectArray(2, stringClass, nullptr);
+    env->SetObjectArrayElement(out, 0, env->NewStringUTF(formatted));
+    env->SetObjectArrayElement(out, 1, env->NewStringUTF(log.c_str()));
+    free(formatted);
+    return out;
+}
+
+PROBE(jlong, bind)(JNIEnv* env, jclass, jobject bitmap) {
+    return toJavaHandle(bindBitmap2Image(env, bitmap));
+}
+
+PROBE(void, unbind)(JNIEnv* env, jclass, jobject bitmap, jlong handle) {
+    unbindBitmap(env, bitmap, fromJavaHandle<_Image>(handle));
+}
+
+// Sets the image's stride and height without touching its buffer, to hand
+// the copy native an image that claims more than it owns.
+PROBE(void, reshape)(JNIEnv*, jclass, jlong handle, jint stride, jint height) {
+    _Image* image = fromJavaHandle<_Image>(handle);
+    image->stride = stride;
+    image->height = height;
+}
