@@ -14,7 +14,8 @@ function(ifc_add_pixel_kernels target)
     ${dir}/cpu_filters.cc
     ${dir}/blur8.cc
     ${dir}/camera_frames.cc
-    ${dir}/pixel_kernels.cc)
+    ${dir}/pixel_kernels.cc
+    ${dir}/qimage_pixels.cc)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64|i.86)$")
     set(sse2 ${dir}/nv21_rows_sse2.cc ${dir}/yuv422_rows_sse2.cc ${dir}/rgb565_rows_sse2.cc
       ${dir}/filter_rows_sse2.cc)
