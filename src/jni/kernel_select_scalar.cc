@@ -3,6 +3,8 @@
 
 namespace ifc {
 
+std::vector<PixelKernels> kernel_variants() { return {}; }
+
 const PixelKernels& pixel_kernels() { return scalar_kernels(); }
 
 }  // namespace ifc

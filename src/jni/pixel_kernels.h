@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace ifc {
 
@@ -123,7 +124,10 @@ struct PixelKernels {
 
 // Reference kernels only.
 const PixelKernels& scalar_kernels();
-// Best kernels for this CPU (defined once per architecture).
+// Every SIMD kernel set this CPU can run, best last (defined once per
+// architecture); tests compare each with the reference.
+std::vector<PixelKernels> kernel_variants();
+// Best kernels for this CPU.
 const PixelKernels& pixel_kernels();
 
 }  // namespace ifc
