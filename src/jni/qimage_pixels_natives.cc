@@ -5,9 +5,11 @@
 #include <climits>
 #include <cstdio>
 
+#include "image_filter/filters.h"
 #include "jni/bridge.h"
 #include "jni/camera_frames.h"
 #include "jni/jni_arrays.h"
+#include "jni/pixel_kernels.h"
 #include "jni/qimage_pixels.h"
 
 namespace {
@@ -39,6 +41,8 @@ template <typename Convert>
 void convert_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int height, int out_width,
                    int out_height, int64_t bytes_read, Convert convert) {
     if (!frame_arguments_ok(env, data, width, height, bytes_read)) return;
+    // Java has no way to build the tables itself: the first frame does.
+    if (!ifc::g_yuv_tables_ready) image_filter_initialize();
     ImageInfo info;
     GetImageInfo(env, &info);
     _Image* image = ifc::frame_image_for(GetNativeImage(env, &info, thiz), out_width, out_height);
