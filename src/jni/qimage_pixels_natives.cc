@@ -2,8 +2,11 @@
 // Java arguments and call the plain conversions.
 #include <android/bitmap.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <cstring>
+#include <vector>
 
 #include "image_filter/filters.h"
 #include "jni/bridge.h"
@@ -14,8 +17,14 @@
 
 namespace {
 
+// The size Java allocates for a frame: w*h*3/2 for NV21, 2*w*h for the
+// 16-bit formats. The walks read a little past it for odd sizes; those bytes
+// read as 0 (see convert_frame) instead of whatever follows the array.
+int64_t nv21_nominal_bytes(int width, int height) { return int64_t{width} * height * 3 / 2; }
+int64_t two_bytes_per_pixel(int width, int height) { return int64_t{width} * height * 2; }
+
 // Checks the Java arguments; raises and returns false when they are unusable.
-bool frame_arguments_ok(JNIEnv* env, jbyteArray data, int width, int height, int64_t bytes_read) {
+bool frame_arguments_ok(JNIEnv* env, jbyteArray data, int width, int height, int64_t nominal_bytes) {
     if (data == nullptr) {
         jniThrowNullPointerException(env, "frame data is null");
         return false;
@@ -25,10 +34,10 @@ bool frame_arguments_ok(JNIEnv* env, jbyteArray data, int width, int height, int
         return false;
     }
     const jsize length = env->GetArrayLength(data);
-    if (length < bytes_read) {
+    if (length < nominal_bytes) {
         char message[128];
         std::snprintf(message, sizeof message, "frame data too short: %d bytes for %dx%d, %lld needed",
-                      static_cast<int>(length), width, height, static_cast<long long>(bytes_read));
+                      static_cast<int>(length), width, height, static_cast<long long>(nominal_bytes));
         jniThrowRuntimeException(env, message);
         return false;
     }
@@ -37,12 +46,12 @@ bool frame_arguments_ok(JNIEnv* env, jbyteArray data, int width, int height, int
 
 // The common frame: reuse or replace the native image, tag it RGBA, attach
 // it, then convert the array into it with convert(frame, out).
+// The tables are the application's to build (image_filter_initialize); a
+// frame converted before that comes out black, as it always has.
 template <typename Convert>
 void convert_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int height, int out_width,
-                   int out_height, int64_t bytes_read, Convert convert) {
-    if (!frame_arguments_ok(env, data, width, height, bytes_read)) return;
-    // Java has no way to build the tables itself: the first frame does.
-    if (!ifc::g_yuv_tables_ready) image_filter_initialize();
+                   int out_height, int64_t nominal_bytes, int64_t bytes_read, Convert convert) {
+    if (!frame_arguments_ok(env, data, width, height, nominal_bytes)) return;
     ImageInfo info;
     GetImageInfo(env, &info);
     _Image* image = ifc::frame_image_for(GetNativeImage(env, &info, thiz), out_width, out_height);
@@ -54,13 +63,22 @@ void convert_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int he
         jniThrowRuntimeException(env, "Out of memory of QImage.DecodeYUV420sp");
         return;
     }
-    convert(frame.data(), image->data);
+    const int64_t length = env->GetArrayLength(data);
+    if (length >= bytes_read) {
+        convert(frame.data(), image->data);
+        return;
+    }
+    // Odd sizes walk a few bytes past the frame: give them zeros.
+    std::vector<uint8_t> padded(static_cast<size_t>(bytes_read), 0);
+    std::memcpy(padded.data(), frame.data(), static_cast<size_t>(length));
+    convert(padded.data(), image->data);
 }
 
 // The same frame at full size through one of the whole-frame conversions.
-void convert_full_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int height, int64_t bytes_read,
+void convert_full_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int height,
+                        int64_t nominal_bytes, int64_t bytes_read,
                         void (*convert)(const uint8_t*, int, int, uint8_t*)) {
-    convert_frame(env, thiz, data, width, height, width, height, bytes_read,
+    convert_frame(env, thiz, data, width, height, width, height, nominal_bytes, bytes_read,
                   [=](const uint8_t* frame, uint8_t* out) { convert(frame, width, height, out); });
 }
 
@@ -70,22 +88,26 @@ extern "C" {
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_RGB565toRGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                   jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, ifc::rgb565_bytes_read(width, height), ifc::rgb565_to_rgba);
+    convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
+                       ifc::rgb565_bytes_read(width, height), ifc::rgb565_to_rgba);
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV422toRGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                   jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, ifc::yuv422_bytes_read(width, height), ifc::yuv422_to_rgba);
+    convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
+                       ifc::yuv422_bytes_read(width, height), ifc::yuv422_to_rgba);
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2RGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                    jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, ifc::nv21_bytes_read(width, height), ifc::nv21_to_rgba);
+    convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
+                       ifc::nv21_bytes_read(width, height), ifc::nv21_to_rgba);
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                    jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, ifc::nv21_bytes_read(width, height), ifc::nv21_to_yuva);
+    convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
+                       ifc::nv21_bytes_read(width, height), ifc::nv21_to_yuva);
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV2(JNIEnv* env, jobject thiz, jbyteArray data,
@@ -100,8 +122,9 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV2(JNIEnv* env,
         jniThrowRuntimeException(env, "frame size out of range");
         return;
     }
+    const int64_t bytes_read = ifc::nv21_decimated_bytes_read(width, height, step);
     convert_frame(env, thiz, data, width, height, width / step, height / step,
-                  ifc::nv21_decimated_bytes_read(width, height, step), [=](const uint8_t* frame, uint8_t* out) {
+                  std::min(nv21_nominal_bytes(width, height), bytes_read), bytes_read, [=](const uint8_t* frame, uint8_t* out) {
                       ifc::nv21_to_yuva_decimated(frame, width, height, step, out);
                   });
 }

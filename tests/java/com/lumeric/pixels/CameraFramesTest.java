@@ -6,11 +6,18 @@ import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import com.lumeric.filter.QImage;
+import com.lumeric.host.ImageFilterTables;
 import java.util.Arrays;
 import java.util.function.Consumer;
+import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Test;
 
 class CameraFramesTest {
+    @BeforeAll
+    static void buildTables() {
+        ImageFilterTables.initialize();
+    }
+
     /** Even and odd widths and heights, one of them wider than any SIMD block. */
     private static final int[][] SIZES = {{6, 4}, {7, 3}, {1, 5}, {33, 2}, {640, 11}};
 
@@ -42,6 +49,19 @@ class CameraFramesTest {
                     head(converted(q -> q.YUV422toRGB(frame, w, h)), 4 * w * h), where);
             assertArrayEquals(PixelReference.rgb565(frame, w, h),
                     head(converted(q -> q.RGB565toRGB(frame, w, h)), 4 * w * h), where);
+        }
+    }
+
+    @Test
+    void oddSizedFramesOfTheUsualLengthConvertWithZerosPastTheEnd() {
+        // An odd width walks one chroma byte past a w*h*3/2 array: that byte
+        // reads as 0 rather than raising or reading past the array.
+        for (int[] size : new int[][] {{3, 2}, {5, 3}}) {
+            int w = size[0], h = size[1];
+            byte[] frame = PixelReference.randomBytes(w * h * 3 / 2, 7L * w + h);
+            byte[] padded = Arrays.copyOf(frame, 2 * w * h + 2);
+            assertArrayEquals(PixelReference.nv21(padded, w, h, false),
+                    head(converted(q -> q.YUV420sp2RGB(frame, w, h)), 4 * w * h), w + "x" + h);
         }
     }
 
