@@ -187,6 +187,11 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyTexture2(JNI
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeUpdateScaleBitmap(
     JNIEnv* env, jclass, jobject src, jobject mask, jobject dst, jint offY, jint offX) {
+    // Checked before any bitmap is touched: no JNI call may follow the exception.
+    if (src == nullptr || mask == nullptr || dst == nullptr) {
+        throwNullArgument(env, "bitmap is null");
+        return;
+    }
     LockedBitmap source(env, src, false);
     LockedBitmap maskBitmap(env, mask, false);
     LockedBitmap target(env, dst, false);
