@@ -32,14 +32,13 @@ void storeSource(JNIEnv* env, jstring text, Setter store) {
     env->ReleaseStringUTFChars(text, chars);
 }
 
-// Copies a whole Java float array into a new[] array for the renderer. Arrays
-// shorter than a quad are zero-padded so that the draw never reads past them.
-float* copyQuadArray(JNIEnv* env, jfloatArray array) {
-    FloatElements elements(env, array, 0, "float array");
+// Copies a whole Java float array into a new[] array for the renderer. The
+// draw reads a full quad from it, so shorter arrays are refused.
+float* copyQuadArray(JNIEnv* env, jfloatArray array, const char* what) {
+    FloatElements elements(env, array, kQuadFloats, what);
     if (elements.data() == nullptr) return nullptr;
-    size_t length = elements.length();
-    float* copy = new float[std::max(length, kQuadFloats)]();
-    std::copy(elements.data(), elements.data() + length, copy);
+    float* copy = new float[elements.length()];
+    std::copy(elements.data(), elements.data() + elements.length(), copy);
     return copy;
 }
 
@@ -128,7 +127,7 @@ JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeRenderTexture(
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetPositions(JNIEnv* env, jobject,
                                                                               jlong handle, jfloatArray p) {
     if (handle == 0) return 0;
-    float* copy = copyQuadArray(env, p);
+    float* copy = copyQuadArray(env, p, "positions");
     if (copy == nullptr) return 0;
     renderer(handle)->setPositions(copy);
     return 1;
@@ -137,7 +136,7 @@ JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetPositions(JNI
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetTexCords(JNIEnv* env, jobject,
                                                                              jlong handle, jfloatArray t) {
     if (handle == 0) return 0;
-    float* copy = copyQuadArray(env, t);
+    float* copy = copyQuadArray(env, t, "texture coordinates");
     if (copy == nullptr) return 0;
     renderer(handle)->setTexCords(copy);
     return 1;

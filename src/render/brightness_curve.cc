@@ -57,7 +57,11 @@ BrightnessCurve::Step BrightnessCurve::addFrame(const int32_t* frame, int64_t pi
     }
     frames_ += 1;
     // Five changed counts per pixel (of three per pixel) means a new scene.
-    if (static_cast<float>(change) / static_cast<float>(pixelCount) >= 5.0f) {
+    // An empty frame divides by zero in float: any change is infinitely
+    // large, no change (0/0, NaN) is none.
+    bool sceneChanged = pixelCount > 0 ? static_cast<float>(change) / static_cast<float>(pixelCount) >= 5.0f
+                                       : change > 0;
+    if (sceneChanged) {
         reset(history, frameCount);
         return Step::Reset;
     }

@@ -25,7 +25,7 @@ public:
 
     enum class Step { Reset, Identity, Curve, Kept };
     // Adds one frame histogram (3 counts per pixel: R, G, B) at ring index
-    // frameIndex, and says what the table became. pixelCount must be above 0.
+    // frameIndex, and says what the table became.
     Step addFrame(const int32_t* frameHistogram, int64_t pixelCount, int32_t* history, int frameCount,
                   int frameIndex, const CurveParams& params);
 

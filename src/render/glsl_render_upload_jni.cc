@@ -64,9 +64,9 @@ void histogramFromGPU(uint8_t* pixels, int32_t* history, int x, int y, int w, in
         uploadLut(curve.lut());
         return;
     }
-    // An empty rectangle has no per-pixel change, and a frame outside the
-    // ring has no history slot: both are left alone.
-    if (w <= 0 || h <= 0 || frameIndex >= frameCount) return;
+    // Without buffers, with a negative size, or with a frame outside the
+    // ring there is nothing that may be read or written: left alone.
+    if (pixels == nullptr || history == nullptr || w < 0 || h < 0 || frameIndex >= frameCount) return;
     glReadPixels(x, y, w, h, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
     int32_t bins[kCurveBins];
     int64_t pixelCount = static_cast<int64_t>(w) * h;
@@ -187,6 +187,11 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyTexture2(JNI
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeUpdateScaleBitmap(
     JNIEnv* env, jclass, jobject src, jobject mask, jobject dst, jint offY, jint offX) {
+    // Checked before any bitmap is touched: no JNI call may follow the exception.
+    if (src == nullptr || mask == nullptr || dst == nullptr) {
+        throwNullArgument(env, "bitmap is null");
+        return;
+    }
     LockedBitmap source(env, src, false);
     LockedBitmap maskBitmap(env, mask, false);
     LockedBitmap target(env, dst, false);
@@ -218,7 +223,6 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeFreeBuffer(JNIEn
 JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeCalHistogramFromGPU(
     JNIEnv*, jclass, jlong pixels, jlong history, jint x, jint y, jint w, jint h, jfloat lowFrac, jfloat highFrac,
     jint frameCount, jint frameIndex, jfloat gammaScale, jfloat threshold) {
-    if (pixels == 0 || history == 0) return;
     histogramFromGPU(fromJavaHandle<uint8_t>(pixels), fromJavaHandle<int32_t>(history), x, y, w, h, frameCount,
                      frameIndex, CurveParams{lowFrac, highFrac, gammaScale, threshold});
 }

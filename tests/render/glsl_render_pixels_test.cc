@@ -100,6 +100,18 @@ TEST_F(CurveTest, IdentityUntilEnoughFramesThenResetOnSceneChange) {
     EXPECT_EQ(0, history[10]);
 }
 
+// An empty frame divides by zero in float: a ring slot that held counts is an
+// infinite change (a new scene), an empty one is NaN (no change).
+TEST_F(CurveTest, EmptyFrameChangesSceneOnlyWhenItsSlotHeldCounts) {
+    curve.reset(history.data(), kFrames);
+    auto empty = frameAt(0, 0);
+    EXPECT_EQ(BrightnessCurve::Step::Identity, curve.addFrame(empty.data(), 0, history.data(), kFrames, 0, params));
+    EXPECT_EQ(1, curve.framesSinceReset());
+    auto frame = frameAt(150, 3);
+    curve.addFrame(frame.data(), 1, history.data(), kFrames, 1, params);
+    EXPECT_EQ(BrightnessCurve::Step::Reset, curve.addFrame(empty.data(), 0, history.data(), kFrames, 1, params));
+}
+
 TEST_F(CurveTest, GammaCurveFromRunningHistogram) {
     int32_t* running = curve.mutableRunningHistogram();
     // 100 counts at bins 20, 100 and 200: low 20, high 200, mean 106.

@@ -1,0 +1,205 @@
+package com.lumeric.render;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertNotEquals;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+
+import com.lumeric.filter.BaseFilter;
+import com.lumeric.filter.GLSLRender;
+import com.lumeric.host.HostGL;
+import org.junit.jupiter.api.AfterEach;
+import org.junit.jupiter.api.BeforeEach;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.function.Executable;
+
+/** One shader pass driven from Java: matrices, quads, uniforms and handles. */
+class BaseFilterTest {
+    private static final int SIZE = 64;
+    private static final int CHART = 51;
+    private final BaseFilter filter = new BaseFilter();
+    private HostGL gl;
+    private byte[] chart;
+
+    @BeforeEach
+    void context() {
+        gl = HostGL.create(SIZE, SIZE);
+        chart = GL.rgba(SIZE, SIZE, GL::chartColor);
+        GLSLRender.nativeTextImage(GL.image(SIZE, SIZE, GL::chartColor), CHART);
+    }
+
+    @AfterEach
+    void release() {
+        gl.close();
+    }
+
+    private long copyFilter() {
+        long handle = filter.nativeInitialWithString(0, false, null, GL.COPY_FRAGMENT);
+        assertNotEquals(0, filter.nativeApplyFilter(handle));
+        return handle;
+    }
+
+    private byte[] render(long handle) {
+        assertEquals(1, filter.nativeRenderTexture(handle, CHART, SIZE, SIZE));
+        return GL.readFramebuffer(SIZE, SIZE);
+    }
+
+    /** The chart with columns or rows reversed. */
+    private byte[] mirrored(boolean columns, boolean rows) {
+        byte[] out = new byte[chart.length];
+        for (int y = 0; y < SIZE; y++) {
+            for (int x = 0; x < SIZE; x++) {
+                int from = ((rows ? SIZE - 1 - y : y) * SIZE + (columns ? SIZE - 1 - x : x)) * 4;
+                System.arraycopy(chart, from, out, (y * SIZE + x) * 4, 4);
+            }
+        }
+        return out;
+    }
+
+    @Test
+    void zeroHandlesAnswerAtOnce() {
+        float[] m = new float[16];
+        assertEquals(8223, filter.nativeGetVersion());
+        assertEquals(-1, filter.nativeApplyFilter(0));
+        assertEquals(1, filter.nativeClear(0));
+        assertEquals(0, filter.nativeUpdateMatrix(0, m));
+        assertEquals(0, filter.nativeSetGlobalTextureMatrix(0, m));
+        assertEquals(0, filter.nativeUpdateModelMatrix(0, m));
+        assertEquals(0, filter.nativeSetRotationAndFlip(0, 90, 1, 1));
+        assertEquals(0, filter.nativeRenderTexture(0, CHART, SIZE, SIZE));
+        assertEquals(0, filter.nativeSetPositions(0, new float[8]));
+        assertEquals(0, filter.nativeSetTexCords(0, new float[8]));
+        assertEquals(0, filter.nativeSetRenderMode(0, 1));
+        // A zero handle is answered before the array is looked at.
+        assertEquals(0, filter.nativeUpdateMatrix(0, null));
+        assertEquals(0, filter.nativeSetPositions(0, null));
+    }
+
+    @Test
+    void flipsMirrorTheQuadAndRotationStartsAfresh() {
+        long handle = copyFilter();
+        assertArrayEquals(chart, render(handle));
+        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 1, 0));
+        assertArrayEquals(mirrored(true, false), render(handle));
+        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 0, 1));
+        assertArrayEquals(mirrored(false, true), render(handle), "the earlier flip is discarded");
+        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 1, 1));
+        assertArrayEquals(mirrored(true, true), render(handle));
+        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 0, 0));
+        assertArrayEquals(chart, render(handle));
+
+        // The model matrix from Java replaces the rotation; the texture matrix mirrors s.
+        float[] mirrorX = {-1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+        assertEquals(1, filter.nativeUpdateModelMatrix(handle, mirrorX));
+        assertArrayEquals(mirrored(true, false), render(handle));
+        float[] identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+        filter.nativeUpdateModelMatrix(handle, identity);
+        float[] flipT = {1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 1, 0, 0, 1, 0, 1};
+        assertEquals(1, filter.nativeUpdateMatrix(handle, flipT));
+        assertArrayEquals(mirrored(false, true), render(handle));
+        filter.nativeClear(handle);
+    }
+
+    @Test
+    void positionsAndTextureCoordinatesFromJava() {
+        long handle = copyFilter();
+        byte[] before = render(handle);
+        // Only the left half of the screen, the chart squeezed into it.
+        assertEquals(1, filter.nativeSetPositions(handle, new float[] {-1, -1, -1, 1, 0, 1, 0, -1}));
+        GLSLRender.nativeTextImage(GL.image(1, 1, (x, y) -> 0xFF0A141E), CHART + 1);
+        // Texture coordinates all at the centre of a 1 x 1 texture: a solid colour.
+        assertEquals(1, filter.nativeSetTexCords(handle, new float[] {.5f, .5f, .5f, .5f, .5f, .5f, .5f, .5f}));
+        filter.nativeRenderTexture(handle, CHART + 1, 1, 1);
+        byte[] after = GL.readFramebuffer(SIZE, SIZE);
+        for (int y = 0; y < SIZE; y++) {
+            for (int x = 0; x < SIZE; x++) {
+                int at = (y * SIZE + x) * 4;
+                byte[] expected = x < SIZE / 2 ? new byte[] {0x0A, 0x14, 0x1E, (byte) 0xFF}
+                        : new byte[] {before[at], before[at + 1], before[at + 2], before[at + 3]};
+                assertArrayEquals(expected, new byte[] {after[at], after[at + 1], after[at + 2], after[at + 3]},
+                        "pixel " + x + "," + y);
+            }
+        }
+        filter.nativeClear(handle);
+    }
+
+    @Test
+    void sizeAndStepUniformsAndTheGlobalMatrix() {
+        String fragment = "precision highp float; uniform int width; uniform int height;\n"
+                + "uniform float horStep; uniform float verStep; uniform float textualwidth; uniform float textualheight;\n"
+                + "void main() { float w = float(width), h = float(height);\n"
+                + "gl_FragColor = vec4(w / 255.0, h * verStep * 0.4, w * horStep * w * textualwidth * 0.2,\n"
+                + "    h * textualheight * 0.6); }\n";
+        long handle = filter.nativeInitialWithString(0, false, null, fragment);
+        assertNotEquals(0, filter.nativeApplyFilter(handle));
+        filter.nativeRenderTexture(handle, CHART, 51, 102);
+        // The textual pair carries the steps: 102 x (1 / 102) x 0.6 is 153, not a saturated 255.
+        assertArrayEquals(new byte[] {51, 102, 51, (byte) 153}, GL.readFramebuffer(1, 1));
+
+        String global = "precision highp float; uniform mat3 globalTexCoMat;\n"
+                + "void main() { gl_FragColor = vec4(globalTexCoMat[0][0], globalTexCoMat[1][0], globalTexCoMat[2][2], 1.0); }\n";
+        long replaced = filter.nativeInitialWithString(handle, false, null, global);
+        assertNotEquals(0, filter.nativeApplyFilter(replaced));
+        filter.nativeRenderTexture(replaced, CHART, SIZE, SIZE);
+        assertArrayEquals(new byte[] {(byte) 255, 0, (byte) 255, (byte) 255}, GL.readFramebuffer(1, 1), "identity until set");
+        assertEquals(1, filter.nativeSetGlobalTextureMatrix(replaced, new float[] {0.2f, 0, 0, 0.4f, 1, 0, 0, 0, 0.6f}));
+        filter.nativeRenderTexture(replaced, CHART, SIZE, SIZE);
+        assertArrayEquals(new byte[] {51, 102, (byte) 153, (byte) 255}, GL.readFramebuffer(1, 1));
+        filter.nativeClear(replaced);
+    }
+
+    @Test
+    void sourcesAndTargetsDecideWhatGetsDrawn() {
+        // A vertex shader of its own: the quad squeezed into the bottom-left quarter.
+        String vertex = "attribute vec4 position; attribute vec2 inputTextureCoordinate; varying vec2 textureCoordinate;\n"
+                + "void main() { gl_Position = vec4(position.xy * 0.5 - 0.5, 0.0, 1.0); textureCoordinate = inputTextureCoordinate; }\n";
+        String solid = "precision mediump float; varying vec2 textureCoordinate; void main() { gl_FragColor = vec4(1.0); }\n";
+        long clearAll = filter.nativeInitialWithString(0, false, null, GL.COPY_FRAGMENT);
+        filter.nativeApplyFilter(clearAll);
+        GLSLRender.nativeTextImage(GL.image(1, 1, (x, y) -> 0), CHART + 1);
+        filter.nativeRenderTexture(clearAll, CHART + 1, 1, 1);
+        filter.nativeClear(clearAll);
+
+        long quarter = filter.nativeInitialWithString(0, false, vertex, solid);
+        assertNotEquals(0, filter.nativeApplyFilter(quarter));
+        filter.nativeRenderTexture(quarter, CHART, SIZE, SIZE);
+        byte[] pixels = GL.readFramebuffer(SIZE, SIZE);
+        assertEquals(-1, pixels[(31 * SIZE + 31) * 4]);
+        assertEquals(0, pixels[(32 * SIZE + 31) * 4]);
+        assertEquals(0, pixels[(31 * SIZE + 32) * 4]);
+        filter.nativeClear(quarter);
+
+        // The external target: a 2D texture cannot be bound there, so nothing is drawn.
+        long external = filter.nativeInitialWithString(0, true, null, GL.COPY_FRAGMENT);
+        assertNotEquals(0, filter.nativeApplyFilter(external));
+        assertEquals(1, filter.nativeRenderTexture(external, CHART, SIZE, SIZE));
+        assertArrayEquals(pixels, GL.readFramebuffer(SIZE, SIZE));
+        filter.nativeClear(external);
+
+        long broken = filter.nativeInitialWithString(0, false, null, "void main() { gl_FragColor = nonsense; }");
+        assertEquals(0, filter.nativeApplyFilter(broken));
+        assertEquals(1, filter.nativeClear(broken));
+    }
+
+    @Test
+    void nullAndShortArraysRaise() {
+        long handle = copyFilter();
+        Executable[] calls = {
+            () -> filter.nativeUpdateMatrix(handle, new float[15]),
+            () -> filter.nativeUpdateModelMatrix(handle, new float[15]),
+            () -> filter.nativeSetGlobalTextureMatrix(handle, new float[8]),
+            () -> filter.nativeSetPositions(handle, new float[7]),
+            () -> filter.nativeSetTexCords(handle, new float[7]),
+        };
+        for (Executable call : calls) assertThrows(RuntimeException.class, call);
+        assertThrows(NullPointerException.class, () -> filter.nativeUpdateMatrix(handle, null));
+        assertThrows(NullPointerException.class, () -> filter.nativeUpdateModelMatrix(handle, null));
+        assertThrows(NullPointerException.class, () -> filter.nativeSetGlobalTextureMatrix(handle, null));
+        assertThrows(NullPointerException.class, () -> filter.nativeSetPositions(handle, null));
+        assertThrows(NullPointerException.class, () -> filter.nativeSetTexCords(handle, null));
+        assertThrows(NullPointerException.class, () -> filter.nativeInitialWithString(handle, false, null, null));
+        // Refused calls changed nothing: the old renderer still draws the chart as it is.
+        assertArrayEquals(chart, render(handle));
+        assertEquals(1, filter.nativeClear(handle));
+    }
+}

@@ -1,0 +1,137 @@
+package com.lumeric.render;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+
+import android.graphics.Bitmap;
+import com.lumeric.filter.GLSLRender;
+import com.lumeric.host.HostGL;
+import org.junit.jupiter.api.Test;
+
+/** Camera frames, curve tables and the masked bitmap copy. */
+class UploadTest {
+    private static final int TEXTURE = 41;
+    private static final int BACKGROUND = 0xFF24211F;  // bytes 0x24, 0x21, 0x1F, 0xFF as a colour int
+
+    private static byte[] ramp(int length) {
+        byte[] out = new byte[length];
+        for (int i = 0; i < length; i++) out[i] = (byte) (i * 5 + 1);
+        return out;
+    }
+
+    /** Alpha bytes of a texture drawn through a pool's copy program. */
+    private static byte[] alphaOf(int texture, int width, int height) {
+        byte[] rgba = new byte[width * height * 4];
+        GLSLRender.nativeCopyTexturToDataWithShare(texture, rgba, width, height, 0);
+        byte[] alpha = new byte[width * height];
+        for (int i = 0; i < alpha.length; i++) {
+            assertEquals(0, rgba[i * 4] | rgba[i * 4 + 1] | rgba[i * 4 + 2], "an alpha texture has no colour");
+            alpha[i] = rgba[i * 4 + 3];
+        }
+        return alpha;
+    }
+
+    @Test
+    void previewFramesUploadAsAlphaRowsOrRgbaTexels() {
+        try (HostGL gl = HostGL.create(64, 64)) {
+            assertEquals(0, GLSLRender.nativeInitMagicEngine(4, 0));
+            // 4 rows of luminance and 2 of chroma, one byte per texel.
+            byte[] frame = ramp(8 * 6);
+            GLSLRender.nativePreviewData(frame, TEXTURE, 8, 4);
+            assertArrayEquals(frame, alphaOf(TEXTURE, 8, 6));
+            byte[] odd = ramp(4 * 4);  // 3 rows x 1.5 = 4.5: 4 rows
+            GLSLRender.nativePreviewData(odd, TEXTURE, 4, 3);
+            assertArrayEquals(odd, alphaOf(TEXTURE, 4, 4));
+            assertThrows(RuntimeException.class, () -> GLSLRender.nativePreviewData(new byte[8 * 6 - 1], TEXTURE, 8, 4));
+            assertThrows(NullPointerException.class, () -> GLSLRender.nativePreviewData(null, TEXTURE, 8, 4));
+
+            byte[] rgba = ramp(3 * 2 * 4);
+            GLSLRender.nativePreviewYuvData(rgba, TEXTURE, 3, 2);
+            assertArrayEquals(rgba, GL.readTexture(TEXTURE, 3, 2));
+            assertThrows(RuntimeException.class, () -> GLSLRender.nativePreviewYuvData(new byte[23], TEXTURE, 3, 2));
+            assertThrows(NullPointerException.class, () -> GLSLRender.nativePreviewYuvData(null, TEXTURE, 3, 2));
+            assertArrayEquals(rgba, GL.readTexture(TEXTURE, 3, 2));
+            GLSLRender.nativeDeinitMagicEngine(4);
+        }
+    }
+
+    @Test
+    void curveTableRepeatsLowBytesOverSixteenRows() {
+        try (HostGL gl = HostGL.create(64, 64)) {
+            int[] curve = {0, 255, 256, -1, 300, 77};
+            GLSLRender.nativeTextCure(curve, TEXTURE);
+            byte[] texels = GL.readTexture(TEXTURE, curve.length, 16);
+            for (int row = 0; row < 16; row++) {
+                for (int i = 0; i < curve.length; i++) {
+                    int at = (row * curve.length + i) * 4;
+                    byte low = (byte) curve[i];
+                    assertArrayEquals(new byte[] {low, low, low}, new byte[] {texels[at], texels[at + 1], texels[at + 2]},
+                            "row " + row + " entry " + i);
+                }
+            }
+            // An empty curve uploads nothing.
+            GLSLRender.nativeTextCure(new int[0], TEXTURE);
+            assertArrayEquals(texels, GL.readTexture(TEXTURE, curve.length, 16));
+            assertThrows(NullPointerException.class, () -> GLSLRender.nativeTextCure(null, TEXTURE));
+        }
+    }
+
+    /** dst word r x maskWidth + c: cleared, the source at the offset, or the background. */
+    private static int[] scaleReference(Bitmap src, Bitmap mask, Bitmap dst, int offY, int offX) {
+        int[] out = new int[dst.getWidth() * dst.getHeight()];
+        dst.getPixels(out, 0, dst.getWidth(), 0, 0, dst.getWidth(), dst.getHeight());
+        for (int r = 0; r < mask.getHeight(); r++) {
+            for (int c = 0; c < mask.getWidth(); c++) {
+                int i = r * mask.getWidth() + c, sy = r + offY, sx = c + offX;
+                if (mask.getPixel(c, r) == 0xFFFFFFFF) {
+                    out[i] = 0;
+                } else if (sy < 0 || sx < 0 || sy >= src.getHeight() || sx >= src.getWidth()) {
+                    out[i] = BACKGROUND;
+                } else {
+                    out[i] = src.getPixel(sx, sy);
+                }
+            }
+        }
+        return out;
+    }
+
+    private static int[] pixels(Bitmap bitmap) {
+        int[] out = new int[bitmap.getWidth() * bitmap.getHeight()];
+        bitmap.getPixels(out, 0, bitmap.getWidth(), 0, 0, bitmap.getWidth(), bitmap.getHeight());
+        return out;
+    }
+
+    @Test
+    void scaleBitmapMasksCopiesOrFillsBackground() {
+        Bitmap src = GL.bitmap(4, 3, GL::chartColor);
+        // All-ones words at (1, 0) and (2, 1); everything else lets the source through.
+        Bitmap mask = GL.bitmap(3, 2, (x, y) -> x == y + 1 ? 0xFFFFFFFF : 0x7F000000);
+        int[][] offsets = {{0, 0}, {-1, 0}, {1, 2}, {0, -1}, {5, 5}};
+        for (int[] off : offsets) {
+            // A wider destination: its words are addressed with the mask's width.
+            Bitmap dst = GL.bitmap(5, 2, (x, y) -> 0x11223344);
+            int[] expected = scaleReference(src, mask, dst, off[0], off[1]);
+            GLSLRender.nativeUpdateScaleBitmap(src, mask, dst, off[0], off[1]);
+            assertArrayEquals(expected, pixels(dst), "offY " + off[0] + " offX " + off[1]);
+            assertEquals(0, src.getLockCount() + mask.getLockCount() + dst.getLockCount());
+        }
+        Bitmap dst = GL.bitmap(3, 2, (x, y) -> 0);
+        GLSLRender.nativeUpdateScaleBitmap(src, mask, dst, -1, 0);
+        assertEquals(BACKGROUND, dst.getPixel(0, 0));
+        assertEquals(0, dst.getPixel(1, 0));
+        assertEquals(src.getPixel(0, 0), dst.getPixel(0, 1));
+
+        // A bitmap that cannot be locked: nothing written, the others unlocked again.
+        Bitmap target = GL.bitmap(3, 2, (x, y) -> 0x01020304);
+        mask.failNextLocks(1);
+        GLSLRender.nativeUpdateScaleBitmap(src, mask, target, 0, 0);
+        assertArrayEquals(pixels(GL.bitmap(3, 2, (x, y) -> 0x01020304)), pixels(target));
+        assertEquals(0, src.getLockCount() + mask.getLockCount() + target.getLockCount());
+
+        assertThrows(NullPointerException.class, () -> GLSLRender.nativeUpdateScaleBitmap(null, mask, target, 0, 0));
+        assertThrows(NullPointerException.class, () -> GLSLRender.nativeUpdateScaleBitmap(src, null, target, 0, 0));
+        assertThrows(NullPointerException.class, () -> GLSLRender.nativeUpdateScaleBitmap(src, mask, null, 0, 0));
+        assertEquals(0, src.getLockCount() + mask.getLockCount() + target.getLockCount());
+    }
+}
