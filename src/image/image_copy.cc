@@ -64,9 +64,11 @@ IFC_API _Image* clone_image_ex(const _Image* source) {
 IFC_API void copy_image(_Image* destination, const _Image* source) {
     if (destination == nullptr || source == nullptr) return;
     int64_t bytes = ifc::imageExtent(source);
-    // The destination buffer must be large enough; we only avoid writing past it.
+    // The destination buffer must be large enough. Rows that its record
+    // describes are never overrun; a bare record (no stride or height) over
+    // a caller's buffer is taken at its word.
     int64_t room = ifc::imageExtent(destination);
-    copyPrefix(destination->data, source, bytes < room ? bytes : room);
+    copyPrefix(destination->data, source, room > 0 && room < bytes ? room : bytes);
     unsigned char* keep = destination->data;
     *destination = *source;
     destination->data = keep;

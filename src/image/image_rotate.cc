@@ -7,11 +7,16 @@
 
 namespace {
 
-// True when the packed width x channels x height pixels lie in the buffer.
+int64_t packedBytes(const _Image* image) {
+    return static_cast<int64_t>(image->width) * image->channels * image->height;
+}
+
+// True when the packed width x channels x height pixels lie in the buffer;
+// an image without pixels fits whatever its buffer.
 bool packedFits(const _Image* image) {
-    if (image->data == nullptr || image->width < 0 || image->height < 0 || image->channels < 0) return false;
-    int64_t packed = static_cast<int64_t>(image->width) * image->channels * image->height;
-    return packed <= ifc::imageExtent(image) || packed == 0;
+    if (image->width < 0 || image->height < 0 || image->channels < 0) return false;
+    int64_t packed = packedBytes(image);
+    return packed == 0 || (image->data != nullptr && packed <= ifc::imageExtent(image));
 }
 
 // Clockwise: source pixel (x, y) goes to row x, column height - 1 - y.
@@ -19,7 +24,9 @@ void turnClockwise(_Image* image) {
     int64_t w = image->width, h = image->height, c = image->channels;
     unsigned char* turned = ifc::allocatePixels(w * h * c);
     if (turned == nullptr) return;
-    for (int64_t y = 0; y < h; ++y) {
+    // Without pixels (a zero size) only the dimensions change.
+    int64_t rows = packedBytes(image) > 0 ? h : 0;
+    for (int64_t y = 0; y < rows; ++y) {
         for (int64_t x = 0; x < w; ++x) {
             std::memcpy(turned + (x * h + (h - 1 - y)) * c, image->data + (y * w + x) * c, static_cast<size_t>(c));
         }

@@ -69,26 +69,32 @@ char* decodePackedString(const char* text) {
     if (out == nullptr || *p == '\0') return out;
 
     size_t position = 0;
+    bool overlong = false;
     used = 0;
     for (++p; *p != '\0'; ++p) {
         int offset = terminatorOffset(form, *p);
         if (offset < 0) {
-            if (used == kMaxGroup) break;
-            group[used++] = *p;
+            if (used == kMaxGroup) {
+                overlong = true;
+            } else {
+                group[used++] = *p;
+            }
             continue;
         }
         group[used] = '\0';
         used = 0;
-        if (position >= n) break;  // more numbers than the length needs
+        // A number that starts exactly at the end copies nothing; one that
+        // starts beyond it would copy a negative count.
+        if (overlong || position > n) {
+            free(out);
+            return nullptr;
+        }
         uint32_t value = static_cast<uint32_t>(readNumber(group)) - static_cast<uint32_t>(offset);
         for (size_t i = 0; i < 4 && position + i < n; ++i) {
             out[position + i] = static_cast<char>(value >> (8 * i));
         }
         position += 4;
     }
-    if (*p != '\0') {
-        free(out);
-        return nullptr;
-    }
+    // Characters after the last terminator are ignored, however many.
     return out;
 }

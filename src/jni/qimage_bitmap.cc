@@ -35,9 +35,10 @@ struct BitmapSource {
 
 // Builds a QImage for Bitmap2QImage / BindBitmap once every step passed.
 // With an exception raised the object would be unreachable behind it, so
-// none is built.
+// none is built; a binding still leaves a locked bitmap locked, as binding
+// always does.
 template <typename MakeImage>
-jobject newQImageFromBitmap(JNIEnv* env, jobject bitmap, MakeImage makeImage) {
+jobject newQImageFromBitmap(JNIEnv* env, jobject bitmap, bool binds, MakeImage makeImage) {
     if (bitmap == nullptr) {
         jniThrowNullPointerException(env, "bitmap is null");
         return nullptr;
@@ -46,7 +47,10 @@ jobject newQImageFromBitmap(JNIEnv* env, jobject bitmap, MakeImage makeImage) {
     if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return nullptr;
     ifc::DeferredThrow pending(env);
     BitmapSource source(env, bitmap, info, &pending);
-    if (pending.raised()) return nullptr;
+    if (pending.raised()) {
+        if (binds) source.pixels.keepLocked();
+        return nullptr;
+    }
     _Image* image = makeImage(source);
     if (image == nullptr) {
         pending.runtime("Out of memory of QImage");
@@ -97,7 +101,7 @@ struct BitmapTarget {
 extern "C" {
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_Bitmap2QImage(JNIEnv* env, jobject, jobject bitmap) {
-    return newQImageFromBitmap(env, bitmap, [](BitmapSource& source) {
+    return newQImageFromBitmap(env, bitmap, false, [](BitmapSource& source) {
         int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
         _Image* image = create_image(w, h, 4, w * 4);
         if (image != nullptr) {
@@ -109,7 +113,7 @@ JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_Bitmap2QImage(JNIEnv* e
 }
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_BindBitmap(JNIEnv* env, jobject, jobject bitmap) {
-    return newQImageFromBitmap(env, bitmap, [](BitmapSource& source) {
+    return newQImageFromBitmap(env, bitmap, true, [](BitmapSource& source) {
         int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
         _Image* header = create_image_header(w, h, 4, w * 4);
         if (header != nullptr) {
@@ -124,7 +128,11 @@ JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_BindBitmap(JNIEnv* env,
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_FromBitmap(JNIEnv* env, jobject self, jobject bitmap) {
     ifc::DeferredThrow pending(env);
     BitmapTarget target(env, self, bitmap, true, &pending);
-    if (!target.ready || target.qimage->image == nullptr) return JNI_FALSE;
+    if (!target.ready) return JNI_FALSE;
+    if (target.qimage->image == nullptr) {
+        pending.runtime("image is empty");  // nothing to copy from
+        return JNI_FALSE;
+    }
     ifc::copyImagePrefix(target.qimage->image, target.imageBytes(), target.destination(), bitmapBytes(target.info));
     return JNI_TRUE;
 }

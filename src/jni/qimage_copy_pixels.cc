@@ -11,7 +11,10 @@ void copyPixels(JNIEnv* env, jobject self, jintArray pixels, jboolean mirror, bo
         return;
     }
     ifc::QImageSelf qimage(env, self);
-    if (qimage.image == nullptr) return;
+    if (qimage.image == nullptr) {
+        Check_Image(env, qimage.image);
+        return;
+    }
     int64_t needed = ifc::colorIntBytes(qimage.image, mirror);
     if (static_cast<int64_t>(env->GetArrayLength(pixels)) * 4 < needed) {
         jniThrowRuntimeException(env, "pixel array is shorter than the image");

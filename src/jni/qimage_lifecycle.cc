@@ -34,7 +34,10 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_Dispose(JNIEnv* env, jobje
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_createSubImage(JNIEnv* env, jobject self, jint x, jint y,
                                                                      jint w, jint h) {
     ifc::QImageSelf qimage(env, self);
-    if (qimage.image == nullptr) return;
+    if (qimage.image == nullptr) {
+        Check_Image(env, qimage.image);
+        return;
+    }
     _Image* old = qimage.image;
     _Image* crop = ifc::cropSubImage(old, x, y, w, h);
     if (crop == nullptr) {
@@ -48,8 +51,12 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_createSubImage(JNIEnv* env
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_CreateImageFromQImage(JNIEnv* env, jobject self) {
     ifc::QImageSelf qimage(env, self);
+    if (qimage.image == nullptr) {
+        Check_Image(env, qimage.image);
+        return nullptr;
+    }
     jobject copy = CreateQImage(env, &qimage.info);
-    if (copy == nullptr || qimage.image == nullptr) return copy;
+    if (copy == nullptr) return nullptr;
     _Image* pixels = ifc::duplicateImage(qimage.image);
     if (pixels == nullptr) {
         jniThrowRuntimeException(env, "Out of memory of QImage.CreateImageFromQImage");
@@ -75,8 +82,12 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_WrapExif(JNIEnv* env, jobj
         return;
     }
     ifc::QImageSelf qimage(env, self);
-    if (qimage.image == nullptr) return;
-    ifc::moveMarkers(qimage.image, GetNativeImage(env, &qimage.info, other));
+    _Image* from = GetNativeImage(env, &qimage.info, other);
+    if (qimage.image == nullptr || from == nullptr) {
+        Check_Image(env, nullptr);  // both lists must exist
+        return;
+    }
+    ifc::moveMarkers(qimage.image, from);
 }
 
 }  // extern "C"

@@ -183,6 +183,12 @@ TEST(ImageRotate, EmptyImageStillSwapsDimensions) {
     EXPECT_EQ(image->width, 0);
     EXPECT_EQ(image->height, 3);
     EXPECT_NE(image->data, nullptr);
+
+    ImagePtr header(create_image_header(3, 0, 4, 0));  // no buffer at all
+    rotateImage(header.get(), 90);
+    EXPECT_EQ(header->width, 0);
+    EXPECT_EQ(header->height, 3);
+    EXPECT_NE(header->data, nullptr);  // the new, empty buffer is installed all the same
 }
 
 TEST(ImageFlip, VerticalThenHorizontalOnWholePixels) {

@@ -1,12 +1,25 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 
 #include "image_test_util.h"
 
 using ::testing::ElementsAre;
+
+// Other native code shares these records: nine words in this order on a
+// 32-bit ABI, the two pointers widening to full width elsewhere.
+constexpr size_t kPtr = sizeof(void*);
+static_assert(offsetof(_Image, data) == 0 && offsetof(_Image, size) == kPtr);
+static_assert(offsetof(_Image, width) == kPtr + 4 && offsetof(_Image, height) == kPtr + 8);
+static_assert(offsetof(_Image, channels) == kPtr + 12 && offsetof(_Image, stride) == kPtr + 16);
+static_assert(offsetof(_Image, layout) == kPtr + 20 && offsetof(_Image, reserved) == kPtr + 24);
+static_assert(offsetof(_Image, markers) == (kPtr == 4 ? 32 : 40));
+static_assert(sizeof(_Image) == (kPtr == 4 ? 36 : 48));
+static_assert(offsetof(_ImageMarker, data) == kPtr && offsetof(_ImageMarker, next) == (kPtr == 4 ? 12 : 24));
+static_assert(sizeof(MRect) == 16 && offsetof(MRect, width) == 8 && sizeof(MPoint) == 8);
 
 TEST(ImageRecord, CreateImageDerivesPaddedStrideOnlyWhenBelowOne) {
     ImagePtr padded(create_image(3, 2, 3, 0));
@@ -118,6 +131,15 @@ TEST(ImageRecord, CopyImageKeepsDestinationBuffer) {
     EXPECT_EQ(destination->size, 8u);
     EXPECT_EQ(destination->layout, 3u);
     EXPECT_EQ(bytesOf(buffer, 8), bytesOf(source->data, 8));
+
+    // A bare record over the caller's own buffer gets the whole padded source.
+    unsigned char own[8] = {};
+    _Image bare{};
+    bare.data = own;
+    copy_image(&bare, source.get());
+    EXPECT_EQ(bare.data, own);
+    EXPECT_EQ(bare.stride, 4);
+    EXPECT_EQ(bytesOf(own, 8), bytesOf(source->data, 8));
 }
 
 TEST(ImageRecord, CopyRoiUsesEachSidesChannelsAndStride) {

@@ -3,12 +3,10 @@
 // Java cannot reach directly.
 #include <jni.h>
 
-#include <cstdlib>
 #include <string>
 #include <thread>
 
 #include "jni/bridge.h"
-#include "capture_stderr.h"
 
 namespace {
 
@@ -123,31 +121,10 @@ PROBE(void, checkImage)(JNIEnv* env, jclass, jlong handle) {
     Check_Image(env, fromJavaHandle<_Image>(handle));
 }
 
-// {formatted "%s|%d" of text and number, what the logger wrote meanwhile}
-PROBE(jobjectArray, formatCapturingLog)(JNIEnv* env, jclass, jstring text, jint number) {
-    Utf8 utf(env, text);
-    char* formatted = nullptr;
-    std::string log = captureStderr([&] { formatted = format_utf8string("%s|%d", utf.get(), number); });
-    jclass stringClass = env->FindClass("java/lang/String");
-    jobjectArray out = env->NewObjectArray(2, stringClass, nullptr);
-    env->SetObjectArrayElement(out, 0, env->NewStringUTF(formatted));
-    env->SetObjectArrayElement(out, 1, env->NewStringUTF(log.c_str()));
-    free(formatted);
-    return out;
-}
-
 PROBE(jlong, bind)(JNIEnv* env, jclass, jobject bitmap) {
     return toJavaHandle(bindBitmap2Image(env, bitmap));
 }
 
 PROBE(void, unbind)(JNIEnv* env, jclass, jobject bitmap, jlong handle) {
     unbindBitmap(env, bitmap, fromJavaHandle<_Image>(handle));
-}
-
-// Sets the image's stride and height without touching its buffer, to hand
-// the copy native an image that claims more than it owns.
-PROBE(void, reshape)(JNIEnv*, jclass, jlong handle, jint stride, jint height) {
-    _Image* image = fromJavaHandle<_Image>(handle);
-    image->stride = stride;
-    image->height = height;
 }

@@ -31,6 +31,8 @@ TEST(FormatUtf8String, BoundaryAt1023Characters) {
 
     Formatted boundary = format(std::string(1021, 'b'));  // 1023 characters
     EXPECT_EQ(boundary.text.size(), 1023u);
+    // Info priority under the library's tag.
+    EXPECT_NE(boundary.log.find("filter process I"), std::string::npos) << boundary.log;
     EXPECT_NE(boundary.log.find("format_utf8string: error"), std::string::npos);
 
     Formatted cut = format(std::string(5000, 'c'));

@@ -73,20 +73,28 @@ TEST(PackedString, WrongPrefixOrTooShortIsRefused) {
     EXPECT_TRUE(refused(nullptr));
 }
 
+TEST(PackedString, NumberStartingAtTheEndCopiesNothing) {
+    // A fully used length still accepts one more number: it has no room left.
+    EXPECT_EQ(decode("mee4x1819043176x999x", 4).text, "hell");
+    EXPECT_EQ(decode("mee0x1x", 0).text, "");
+    EXPECT_EQ(decode("hfe4f1819043181l5c", 4).text, "hell");
+    EXPECT_TRUE(refused("hfe2f26990h5c"));  // 2 - 4 bytes left: negative
+}
+
 TEST(PackedString, MalformedTextNeverOverrunsTheBuffer) {
-    // More numbers than the length needs.
-    EXPECT_TRUE(refused("mee4x1x2x"));
-    EXPECT_TRUE(refused("mee0x1x"));
+    // A number starting past the end.
+    EXPECT_TRUE(refused("mee4x1x2x3x"));
     EXPECT_TRUE(refused("hfe1f1c2c"));
     // Negative, huge and overflowing lengths.
     EXPECT_TRUE(refused("mee-5x1x"));
     EXPECT_TRUE(refused("mee2147483647x"));
     EXPECT_TRUE(refused("mee99999999999999999999x"));
-    // Over-long groups, terminated or not.
+    // Over-long groups, as a number or as the length.
     const std::string longGroup(200, '7');
     EXPECT_TRUE(refused(("mee4x" + longGroup + "x").c_str()));
-    EXPECT_TRUE(refused(("mee4x" + longGroup).c_str()));
     EXPECT_TRUE(refused(("mee" + longGroup + "x").c_str()));
+    // ...but a long unterminated tail is ignored like any other.
+    EXPECT_EQ(decode(("mee4x1819043176x" + longGroup).c_str(), 4).text, "hell");
 }
 
 }  // namespace

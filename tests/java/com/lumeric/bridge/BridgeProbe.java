@@ -22,7 +22,6 @@ final class BridgeProbe {
     static native int[] describe(long image);
     /** The image's first size bytes. */
     static native byte[] bytes(long image);
-    static native void reshape(long image, int stride, int height);
 
     /** GetImageInfo + SetNativeImage (0 clears). */
     static native void attach(QImage qimage, long image);
@@ -39,9 +38,6 @@ final class BridgeProbe {
     static native void throwNull(String message);
     static native void throwRuntime(String message);
     static native void checkImage(long image);
-
-    /** {format_utf8string("%s|%d", text, number), logger output meanwhile} */
-    static native String[] formatCapturingLog(String text, int number);
 
     static native long bind(Bitmap bitmap);
     static native void unbind(Bitmap bitmap, long image);

@@ -2,17 +2,13 @@ package com.lumeric.bridge;
 
 import static org.junit.jupiter.api.Assertions.assertDoesNotThrow;
 import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertSame;
 import static org.junit.jupiter.api.Assertions.assertThrows;
-import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import com.lumeric.util.Coffee;
 import org.junit.jupiter.api.Test;
 
 class BridgeUtilitiesTest {
-    private static final String OVERFLOW = "format_utf8string: error";
-
     @Test
     void exceptionsCarryClassAndText() {
         IllegalStateException named = assertThrows(IllegalStateException.class,
@@ -53,19 +49,6 @@ class BridgeUtilitiesTest {
         } finally {
             BridgeProbe.freeImage(image);
         }
-    }
-
-    @Test
-    void longFormattedTextsAreLoggedAndCut() {
-        String[] quiet = BridgeProbe.formatCapturingLog("abc", -7);
-        assertEquals("abc|-7", quiet[0]);
-        assertFalse(quiet[1].contains(OVERFLOW), quiet[1]);
-
-        String text = "0123456789".repeat(300);
-        String[] cut = BridgeProbe.formatCapturingLog(text, 42);
-        assertEquals(text.substring(0, 1023), cut[0]);
-        assertTrue(cut[1].contains("filter process"), cut[1]);
-        assertTrue(cut[1].contains(OVERFLOW), cut[1]);
     }
 
     @Test

@@ -78,8 +78,8 @@ class QImageBitmapTest {
             bitmap.failNextLocks(1);
             RuntimeException lock = assertThrows(RuntimeException.class, () -> image.FromBitmap(bitmap));
             assertEquals("can't lock bitmap pixels", lock.getMessage());
+            assertEquals(0, bitmap.getLockCount());
         }
-        assertFalse(new QImage().FromBitmap(Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888)));
     }
 
     @Test
@@ -147,10 +147,13 @@ class QImageBitmapTest {
     }
 
     @Test
-    void bindErrorsLeaveNothingLocked() {
+    void bindErrorsCarryOnLikeABinding() {
         QImage any = new QImage();
         Bitmap rgb565 = Bitmap.createBitmap(2, 2, Bitmap.Config.RGB_565);
-        assertThrows(NullPointerException.class, () -> any.BindBitmap(rgb565));
+        NullPointerException format = assertThrows(NullPointerException.class, () -> any.BindBitmap(rgb565));
+        assertEquals("Bitmap format is not RGBA_8888", format.getMessage());
+        assertEquals(1, rgb565.getLockCount());  // binding went on and kept the lock
+        assertTrue(any.UnBindBitmap(rgb565));
         assertEquals(0, rgb565.getLockCount());
         Bitmap bitmap = Pixels.chart(2, 2);
         bitmap.failNextLocks(1);

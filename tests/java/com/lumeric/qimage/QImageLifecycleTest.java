@@ -2,11 +2,15 @@ package com.lumeric.qimage;
 
 import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertNotEquals;
 import static org.junit.jupiter.api.Assertions.assertNotNull;
+import static org.junit.jupiter.api.Assertions.assertSame;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 
+import android.graphics.Bitmap;
 import com.lumeric.filter.QImage;
+import org.junit.jupiter.api.function.Executable;
 import org.junit.jupiter.api.Test;
 
 class QImageLifecycleTest {
@@ -104,9 +108,6 @@ class QImageLifecycleTest {
             image.nativeFlip(1, 0);
             assertEquals(Pixels.colorAt(0, 0), Pixels.colors(copy)[0]);
         }
-        try (QImage empty = new QImage(); QImage copy = empty.CreateImageFromQImage()) {
-            assertEquals(0, copy.nativeImage);
-        }
     }
 
     @Test
@@ -124,8 +125,35 @@ class QImageLifecycleTest {
     void wrapExifAcceptsImagesWithoutMarkersAndRefusesNull() {
         try (QImage image = Pixels.image(2, 2); QImage other = Pixels.image(2, 2)) {
             image.WrapExif(other);
-            image.WrapExif(new QImage());
             assertThrows(NullPointerException.class, () -> image.WrapExif(null));
         }
+    }
+
+    private static void assertImageIsEmpty(Executable call) {
+        RuntimeException e = assertThrows(RuntimeException.class, call);
+        assertSame(RuntimeException.class, e.getClass());
+        assertEquals("image is empty", e.getMessage());
+    }
+
+    @Test
+    void nativesThatNeedPixelsRaiseWithoutANativeImage() {
+        QImage empty = new QImage();
+        assertImageIsEmpty(empty::CreateImageFromQImage);
+        assertImageIsEmpty(() -> empty.createSubImage(0, 0, 1, 1));
+        assertImageIsEmpty(() -> empty.CopyPixels(new int[4], false));
+        assertImageIsEmpty(() -> empty.CopyPixelsRGB(new int[4], true));
+        Bitmap bitmap = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
+        assertImageIsEmpty(() -> empty.FromBitmap(bitmap));
+        assertEquals(0, bitmap.getLockCount());
+        try (QImage image = Pixels.image(2, 2)) {
+            assertImageIsEmpty(() -> image.WrapExif(empty));
+            assertImageIsEmpty(() -> empty.WrapExif(image));
+        }
+        // These have an answer of their own for a missing image.
+        assertEquals(0, empty.getByteSize());
+        assertFalse(empty.nativeFlip(1, 1));
+        assertFalse(empty.nativeRotate(90));
+        empty.Dispose();
+        assertEquals(0, empty.nativeImage);
     }
 }
