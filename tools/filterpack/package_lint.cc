@@ -62,6 +62,14 @@ FilterSummary PackageLinter::lintPackageFrom(const std::string& name, const tiny
                 found_.add(Severity::kError, file, root,
                            "a package of one CPU filter leaves no GL texture for the app to read");
             }
+            // Run on its own, a leaf gets the picture at input 0 and only its
+            // image params elsewhere.
+            for (int slot : summary.sampledSlots) {
+                if (includer == nullptr && slot > 0 && summary.imageSlots.count(slot) == 0) {
+                    found_.add(Severity::kWarning, file, root,
+                               "samples " + samplerName(slot) + " but nothing feeds input " + std::to_string(slot));
+                }
+            }
         } else {
             found_.add(Severity::kError, file, root, "the root must be <model> or <filter>");
         }
