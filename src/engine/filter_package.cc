@@ -51,17 +51,12 @@ bool isComplete(const shared_ptr<IHFFilterNode>& node) {
     return model == nullptr || model->isComplete();
 }
 
-shared_ptr<IHFFilterNode> loadPackage(const std::string& name) {
-    const std::string path = packagePath(name);
-    if (packagesInProgress().count(name) != 0) {
-        HFFilterPackage_logError(name, "includes itself");
-        return shared_ptr<IHFFilterNode>();
-    }
-    InProgress guard(name);
-
+// The node described by the package file; empty (and logged) when the file
+// is missing, does not parse, has another root or a broken child or relation.
+shared_ptr<IHFFilterNode> readPackage(const std::string& name) {
     tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
     {
-        ResourceBlob blob(path);
+        ResourceBlob blob(packagePath(name));
         if (blob.get() == nullptr || blob.get()->data == nullptr) {
             HFFilterPackage_logError(name, "cannot be read");
             return shared_ptr<IHFFilterNode>();
@@ -83,6 +78,20 @@ shared_ptr<IHFFilterNode> loadPackage(const std::string& name) {
         return shared_ptr<IHFFilterNode>();
     }
     node->name = name;
+    return node;
+}
+
+shared_ptr<IHFFilterNode> loadPackage(const std::string& name) {
+    // Not cached here: the load already under way caches its own outcome.
+    if (packagesInProgress().count(name) != 0) {
+        HFFilterPackage_logError(name, "includes itself");
+        return shared_ptr<IHFFilterNode>();
+    }
+    InProgress guard(name);
+    shared_ptr<IHFFilterNode> node = readPackage(name);
+    // A broken package is cached too, as an empty entry: every package file
+    // is read at most once per process whatever it holds, as GL descriptions
+    // are, and a retry cannot re-parse its includes into the shared nodes.
     // An include reached while loading may have cached the name already;
     // that entry stays, and this call still returns its own node.
     filterNodeCache().insert(HFFilterNodeCache::value_type(name, node));

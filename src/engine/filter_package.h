@@ -18,7 +18,8 @@ using HFFilterNodeCache = std::map<std::string, shared_ptr<IHFFilterNode>>;
 IFC_API HFFilterNodeCache& filterNodeCache();
 
 // The cached node of a package, loading it on a miss. Empty (and logged)
-// when the package cannot be built; failures are not cached.
+// when the package cannot be built; such a failure is cached as well, so the
+// file is read once whatever it holds.
 IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_node(const std::string& name);
 
 // "model" or "filter" root element to a parsed node; anything else is empty.

@@ -69,14 +69,16 @@ void HFGLTexture::setImage(_Image* image) {
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
-// Borrowed names only record the size: re-specifying the storage would wipe
-// the caller's pixels before the first filter reads them.
+// The texture stays bound on unit 3 afterwards. Borrowed names only record
+// the size: re-specifying the storage would wipe the caller's pixels before
+// the first filter reads them. They are still bound, so the GL state left
+// behind is the same for both kinds.
 void HFGLTexture::resize(int width, int height) {
     if (width == recordedSize.width && height == recordedSize.height) return;
     if (width == 0 || height == 0) return;
     recordedSize = HFSize{width, height};
-    if (!ownsTexture) return;
     glActiveTexture(GL_TEXTURE3);
     glBindTexture(GL_TEXTURE_2D, texture);
+    if (!ownsTexture) return;
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
 }

@@ -134,7 +134,7 @@ TEST_F(FilterPackageTest, IncludedPackageIsSharedAndParsedWithTheIncludingElemen
               renderJournal("user1"));
 }
 
-TEST_F(FilterPackageTest, BrokenPackagesBuildNoFilterAndAreNotCached) {
+TEST_F(FilterPackageTest, BrokenPackagesBuildNoFilterAndAreReadOnce) {
     bundle.package("badxml1", "<model><filter implement='A'></model>");
     bundle.package("badroot1", "<shader/>");
     bundle.package("badrelation1", "<model><filter implement='A'/><relation output='0' input='1'/></model>");
@@ -152,9 +152,16 @@ TEST_F(FilterPackageTest, BrokenPackagesBuildNoFilterAndAreNotCached) {
         EXPECT_FALSE(wraper.hasFilter());
         EXPECT_EQ(0, wraper.outputTexture());
     }
-    EXPECT_EQ(0u, filterNodeCache().count("cycleA"));
-    EXPECT_EQ(0u, filterNodeCache().count("badxml1"));
-    EXPECT_EQ(1u, filterNodeCache().count("unbuildable1"));
+    // Failures stay cached as empty entries: no file is read a second time,
+    // and a retry does not parse a broken model's includes again.
+    for (const char* name : {"missing1", "badxml1", "badroot1", "badrelation1", "cycleA", "cycleB", "self1",
+                             "badchild1", "empty1"}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(1, bundle.readsOf(name));
+        ASSERT_EQ(1u, filterNodeCache().count(name));
+        EXPECT_FALSE(filterNodeCache().at(name));
+    }
+    EXPECT_TRUE(filterNodeCache().at("unbuildable1"));
 }
 
 TEST_F(FilterPackageTest, EmptyModelIsAHarmlessComposite) {

@@ -120,6 +120,49 @@ TEST_F(PackageRenderTest, LeafPackageRendersTheCallerTexture) {
     EXPECT_EQ(GL_CLAMP_TO_EDGE, wrap);
 }
 
+GLint integer(GLenum name) {
+    GLint value = 0;
+    glGetIntegerv(name, &value);
+    return value;
+}
+
+GLint boundOnUnit(GLenum unit) {
+    glActiveTexture(unit);
+    return integer(GL_TEXTURE_BINDING_2D);
+}
+
+// What a frame leaves bound: inputs on units 2 up, the last upload/resize on
+// unit 3, the filter's own framebuffer and viewport, blending off.
+TEST_F(PackageRenderTest, FrameLeavesTheFilterTargetAndInputUnitsBound) {
+    HFFilterWraper wraper("e2e_invert");
+    glEnable(GL_BLEND);
+    for (int frame = 0; frame < 2; ++frame) {
+        SCOPED_TRACE(frame);
+        wraper.renderTexture(static_cast<int>(input), 4, 4);
+        const GLint output = wraper.outputTexture();
+        EXPECT_EQ(GL_TEXTURE2, integer(GL_ACTIVE_TEXTURE));
+        EXPECT_FALSE(glIsEnabled(GL_BLEND));
+        GLint viewport[4] = {};
+        glGetIntegerv(GL_VIEWPORT, viewport);
+        EXPECT_EQ(4, viewport[2]);
+        EXPECT_EQ(4, viewport[3]);
+        EXPECT_NE(0, integer(GL_FRAMEBUFFER_BINDING));
+        GLint attached = 0;
+        glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
+                                              GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &attached);
+        EXPECT_EQ(output, attached);
+        EXPECT_EQ(0, boundOnUnit(GL_TEXTURE0));
+        EXPECT_EQ(0, boundOnUnit(GL_TEXTURE1));
+        EXPECT_EQ(static_cast<GLint>(input), boundOnUnit(GL_TEXTURE2));
+        // The first frame sizes the output last; later frames only record the
+        // caller's size, which binds the caller's texture there.
+        EXPECT_EQ(frame == 0 ? output : static_cast<GLint>(input), boundOnUnit(GL_TEXTURE3));
+    }
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glActiveTexture(GL_TEXTURE0);
+    EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError());
+}
+
 TEST_F(PackageRenderTest, ModelChainsLeavesWithTheirParameters) {
     EXPECT_EQ((Pixel{122, 117, 112, 255}), renderPackage("e2e_chain"));
 }

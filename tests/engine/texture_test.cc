@@ -57,9 +57,18 @@ TEST_F(TextureTest, WrappingABorrowedNameAppliesOptionsAndNeverDeletesIt) {
         EXPECT_EQ(GL_CLAMP_TO_EDGE, parameterOf(name, GL_TEXTURE_WRAP_S));
         EXPECT_EQ(GL_CLAMP_TO_EDGE, parameterOf(name, GL_TEXTURE_WRAP_T));
 
-        // Recording the size keeps the caller's pixels.
+        // Recording the size keeps the caller's pixels, yet leaves the name
+        // bound on unit 3 like a resize of an owned texture.
         texture->resize(2, 2);
         EXPECT_EQ(2, texture->size().width);
+        GLint active = 0;
+        GLint bound = 0;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+        EXPECT_EQ(GL_TEXTURE3, active);
+        EXPECT_EQ(static_cast<GLint>(name), bound);
+        glBindTexture(GL_TEXTURE_2D, 0);
+        glActiveTexture(GL_TEXTURE0);
     }
     EXPECT_TRUE(glIsTexture(name));
     EXPECT_EQ(std::vector<unsigned char>(16, 77), pixelsOf(name, 2, 2));

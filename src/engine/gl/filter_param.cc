@@ -58,7 +58,10 @@ shared_ptr<HFFilterParam> named(Param* param, const char* name) {
 HFFilterParam::~HFFilterParam() = default;
 
 shared_ptr<HFFilterParam> HFFilterParam::parse(const tinyxml2::XMLElement* param) {
-    const tinyxml2::XMLElement* nameElement = param->FirstChildElement();
+    // The very first child node must be the "name" element; text or a
+    // comment in front of it makes the param malformed.
+    const tinyxml2::XMLNode* first = param->FirstChild();
+    const tinyxml2::XMLElement* nameElement = first != nullptr ? first->ToElement() : nullptr;
     if (nameElement == nullptr || strcmp(nameElement->Value(), "name") != 0) {
         log_printE("xml parse error in param");
         return shared_ptr<HFFilterParam>();

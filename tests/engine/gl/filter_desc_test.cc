@@ -142,7 +142,9 @@ TEST_F(FilterDescTest, ParamsParseByTypeAndDropTheUnsupported) {
                     param("toneCurve", "curve", "256,128") + param("long", "curve", longCurve) +
                     param("v3", "vector3f", six) + param("count", "int", "3") +
                     element("param", element("value", "x") + element("float", "1")) +
-                    element("param", element("name", "lonely")) + "</filter>");
+                    element("param", element("name", "lonely")) +
+                    element("param", "<!-- first -->" + element("name", "late") + element("float", "1")) +
+                    "</filter>");
     });
     EXPECT_NE(std::string::npos, log.find("xml parse error in param"));
     ASSERT_EQ(4u, node->params.size());

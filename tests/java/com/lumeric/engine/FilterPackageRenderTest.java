@@ -1,0 +1,346 @@
+package com.lumeric.engine;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertDoesNotThrow;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertNotEquals;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import android.graphics.Bitmap;
+import com.lumeric.filter.FilterWraper;
+import com.lumeric.filter.GLSLRender;
+import com.lumeric.filter.QImage;
+import com.lumeric.host.DirectoryBundle;
+import com.lumeric.host.HostGL;
+import com.lumeric.util.FilterEngineJNILib;
+import java.awt.image.BufferedImage;
+import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.Arrays;
+import java.util.function.IntUnaryOperator;
+import javax.crypto.Cipher;
+import javax.crypto.spec.SecretKeySpec;
+import javax.imageio.ImageIO;
+import org.junit.jupiter.api.AfterEach;
+import org.junit.jupiter.api.BeforeEach;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+
+/**
+ * Filter packages end to end: package files written into a bundle directory,
+ * a caller texture uploaded from a bitmap, the output texture read back and
+ * compared byte for byte with small Java references of the shaders.
+ * Package and description names are unique: the native caches live as long
+ * as the JVM.
+ */
+class FilterPackageRenderTest {
+    private static final String VERTEX =
+            "attribute vec4 position; attribute vec2 inputTextureCoordinate; varying vec2 uv;"
+            + " void main(){ gl_Position = position; uv = inputTextureCoordinate; }";
+    private static final String HEAD = "precision mediump float; varying vec2 uv;"
+            + " uniform sampler2D inputImageTexture; uniform sampler2D inputImageTexture2;";
+    private static final String INVERT = HEAD
+            + " void main(){ vec4 c = texture2D(inputImageTexture, uv); gl_FragColor = vec4(1.0 - c.rgb, 1.0); }";
+
+    // 0xRRGGBB, alpha 255; all channels even so halving is exact.
+    private static final int[] INPUT = {0x0a141e, 0x283c50, 0x64788c, 0xc8d2dc};
+
+    @TempDir Path root;
+    private DirectoryBundle bundle;
+    private HostGL gl;
+    private static int nextTexture = 1000;
+
+    @BeforeEach
+    void setUp() throws IOException {
+        describe("invert", INVERT);
+        describe("noblue", body("gl_FragColor = vec4(c.rg, 0.0, 1.0);"));
+        describe("rotate", body("gl_FragColor = vec4(c.gbr, 1.0);"));
+        describe("copy", body("gl_FragColor = c;"));
+        describe("mixsecond", body("gl_FragColor = vec4(c.rg, texture2D(inputImageTexture2, uv).b, 1.0);"));
+        bundle = new DirectoryBundle(root);
+        FilterEngineJNILib.setBundle(bundle);
+        gl = HostGL.create(64, 64);
+        assertTrue(gl.makeCurrent());
+    }
+
+    @AfterEach
+    void tearDown() {
+        gl.close();
+        FilterEngineJNILib.setBundle(null);
+    }
+
+    // ---- pixel references -------------------------------------------------
+
+    private static int r(int p) { return (p >> 16) & 0xff; }
+    private static int g(int p) { return (p >> 8) & 0xff; }
+    private static int b(int p) { return p & 0xff; }
+    private static int rgb(int r, int g, int b) { return (r << 16) | (g << 8) | b; }
+
+    private static final IntUnaryOperator INVERT_REF = p -> rgb(255 - r(p), 255 - g(p), 255 - b(p));
+    private static final IntUnaryOperator NOBLUE_REF = p -> rgb(r(p), g(p), 0);
+    private static final IntUnaryOperator ROTATE_REF = p -> rgb(g(p), b(p), r(p));
+
+    private static byte[] rgba(int[] pixels) {
+        byte[] bytes = new byte[pixels.length * 4];
+        for (int i = 0; i < pixels.length; i++) {
+            bytes[4 * i] = (byte) r(pixels[i]);
+            bytes[4 * i + 1] = (byte) g(pixels[i]);
+            bytes[4 * i + 2] = (byte) b(pixels[i]);
+            bytes[4 * i + 3] = (byte) 255;
+        }
+        return bytes;
+    }
+
+    private static byte[] expected(IntUnaryOperator op) {
+        return rgba(Arrays.stream(INPUT).map(op).toArray());
+    }
+
+    // ---- bundle files ------------------------------------------------------
+
+    private static String body(String statement) {
+        return HEAD + " void main(){ vec4 c = texture2D(inputImageTexture, uv); " + statement + " }";
+    }
+
+    private void write(String path, String text) throws IOException {
+        Path file = root.resolve(path);
+        Files.createDirectories(file.getParent());
+        Files.write(file, text.getBytes(StandardCharsets.UTF_8));
+    }
+
+    private void describe(String name, String fragment) throws IOException {
+        write("filter/gl/" + name + ".xml",
+                "<glfilter><vertex>" + VERTEX + "</vertex><fragment>" + fragment + "</fragment></glfilter>");
+    }
+
+    private void pack(String name, String xml) throws IOException {
+        write("filter/" + name + "/filter.xml", xml);
+    }
+
+    private static String leaf(String implement, String... params) {
+        return "<filter implement='" + implement + "'>" + String.join("", params) + "</filter>";
+    }
+
+    private static String param(String name, String type, String value) {
+        return "<param><name>" + name + "</name><" + type + ">" + value + "</" + type + "></param>";
+    }
+
+    private static String numbers(double... values) {
+        StringBuilder text = new StringBuilder();
+        for (double v : values) text.append("<number>").append(v).append("</number>");
+        return text.toString();
+    }
+
+    // ---- GL helpers ---------------------------------------------------------
+
+    /** A fresh texture name holding the pixels (alpha 255), uploaded through a QImage. */
+    private static int texture(int width, int height, int[] pixels) {
+        Bitmap bitmap = Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888);
+        int[] argb = Arrays.stream(pixels).map(p -> 0xff000000 | p).toArray();
+        bitmap.setPixels(argb, 0, width, 0, 0, width, height);
+        int name = nextTexture++;
+        try (QImage image = new QImage().Bitmap2QImage(bitmap)) {
+            GLSLRender.nativeTextImage(image, name);
+        }
+        return name;
+    }
+
+    private static byte[] read(int texture, int width, int height) {
+        byte[] data = new byte[width * height * 4];
+        GLSLRender.nativeCopyTexturToDataWithShare(texture, data, width, height, 4);
+        return data;
+    }
+
+    private static byte[] render(String packageName, int texture, int width, int height) {
+        try (FilterWraper wraper = new FilterWraper(packageName)) {
+            wraper.render(texture, width, height);
+            int output = wraper.outputTexture();
+            assertNotEquals(0, output, packageName);
+            return read(output, width, height);
+        }
+    }
+
+    private byte[] renderInput(String packageName) {
+        return render(packageName, texture(2, 2, INPUT), 2, 2);
+    }
+
+    // ---- tests -------------------------------------------------------------
+
+    @Test
+    void leafAndModelsFollowTheirWiring() throws IOException {
+        pack("single", leaf("invert"));
+        pack("chain", "<model>" + leaf("noblue") + leaf("rotate") + leaf("invert") + "</model>");
+        // Child 0 feeds child 2 directly; child 1 still renders but feeds nobody.
+        pack("skip", "<model>" + leaf("noblue") + leaf("rotate") + leaf("invert")
+                + "<relation output='0' input='2' index='0'/></model>");
+        // Written before the filters, applied after them: the package input also
+        // reaches child 1 at its input 1.
+        pack("tap", "<model><relation output='-1' input='1' index='1'/>"
+                + leaf("invert") + leaf("mixsecond") + "</model>");
+
+        assertArrayEquals(expected(INVERT_REF), renderInput("single"));
+        assertArrayEquals(expected(NOBLUE_REF.andThen(ROTATE_REF).andThen(INVERT_REF)), renderInput("chain"));
+        assertArrayEquals(expected(NOBLUE_REF.andThen(INVERT_REF)), renderInput("skip"));
+        assertArrayEquals(expected(p -> rgb(255 - r(p), 255 - g(p), b(p))), renderInput("tap"));
+    }
+
+    @Test
+    void includedPackageIsReadOnceAndSharedByTwoModels() throws IOException {
+        describe("inc_invert", INVERT);
+        describe("inc_noblue", body("gl_FragColor = vec4(c.rg, 0.0, 1.0);"));
+        pack("inc_shared", leaf("inc_invert"));
+        pack("inc_first", "<model><filter include='inc_shared'/>" + leaf("inc_noblue") + "</model>");
+        pack("inc_second", "<model>" + leaf("inc_noblue") + "<filter include='inc_shared'/></model>");
+
+        assertArrayEquals(expected(INVERT_REF.andThen(NOBLUE_REF)), renderInput("inc_first"));
+        // inc_first, inc_shared and the two GL descriptions.
+        assertEquals(4, bundle.readCount());
+        assertArrayEquals(expected(NOBLUE_REF.andThen(INVERT_REF)), renderInput("inc_second"));
+        assertArrayEquals(expected(INVERT_REF.andThen(NOBLUE_REF)), renderInput("inc_first"));
+        assertEquals(5, bundle.readCount());
+    }
+
+    @Test
+    void declaredParametersReachTheShader() throws IOException {
+        describe("scale", HEAD + " uniform float amount; void main(){"
+                + " gl_FragColor = vec4(texture2D(inputImageTexture, uv).rgb * amount, 1.0); }");
+        describe("tint", HEAD + " uniform vec4 tint; void main(){ gl_FragColor = tint; }");
+        describe("matrix", HEAD + " uniform mat4 colorMatrix; void main(){"
+                + " gl_FragColor = colorMatrix * vec4(texture2D(inputImageTexture, uv).rgb, 1.0); }");
+        describe("curve", HEAD + " uniform float toneCurve[256]; void main(){"
+                + " gl_FragColor = vec4(toneCurve[1], toneCurve[2], toneCurve[255], 1.0); }");
+        describe("grain", HEAD + " void main(){ gl_FragColor = vec4(texture2D(inputImageTexture, uv).r,"
+                + " texture2D(inputImageTexture2, uv).gb, 1.0); }");
+
+        pack("p_float", leaf("scale", param("amount", "float", "0.5")));
+        pack("p_vec4", leaf("tint", param("tint", "vector4f", numbers(0.2, 0.4, 0.6, 1.0))));
+        // Column-major: swap red and blue, then add 0.2 to red (the 4th column).
+        pack("p_matrix", leaf("matrix", param("colorMatrix", "matrix4f",
+                numbers(0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0.2, 0, 0, 1))));
+        String[] curve = new String[256];
+        Arrays.fill(curve, "0");
+        curve[1] = "256";
+        curve[2] = "200";
+        curve[255] = "100";
+        pack("p_curve", leaf("curve", param("toneCurve", "curve", String.join(",", curve))));
+        // An image param's name is the input slot; its file lies in the package.
+        int[] grain = {0x010203, 0x040506, 0x070809, 0xfafbfc};
+        BufferedImage png = new BufferedImage(2, 2, BufferedImage.TYPE_INT_ARGB);
+        for (int i = 0; i < 4; i++) png.setRGB(i % 2, i / 2, 0xff000000 | grain[i]);
+        pack("p_image", leaf("grain", param("1", "image", "grain.png")));
+        ImageIO.write(png, "png", root.resolve("filter/p_image/grain.png").toFile());
+
+        assertArrayEquals(expected(p -> rgb(r(p) / 2, g(p) / 2, b(p) / 2)), renderInput("p_float"));
+        assertArrayEquals(expected(p -> rgb(51, 102, 153)), renderInput("p_vec4"));
+        assertArrayEquals(expected(p -> rgb(Math.min(255, b(p) + 51), g(p), r(p))), renderInput("p_matrix"));
+        // Curve entries are n / 256: 256 -> 1.0, 200 -> 199.2 / 255, 100 -> 99.6 / 255.
+        assertArrayEquals(expected(p -> rgb(255, 199, 100)), renderInput("p_curve"));
+        int[] mixed = new int[4];
+        for (int i = 0; i < 4; i++) mixed[i] = rgb(r(INPUT[i]), g(grain[i]), b(grain[i]));
+        assertArrayEquals(rgba(mixed), renderInput("p_image"));
+    }
+
+    // ---- protected shader sources -------------------------------------------
+
+    private static final byte[] KEY = "shaderfilter.key".getBytes(StandardCharsets.US_ASCII);
+
+    private static byte[] encipher(byte[] blocks) throws Exception {
+        Cipher cipher = Cipher.getInstance("AES/ECB/NoPadding");
+        cipher.init(Cipher.ENCRYPT_MODE, new SecretKeySpec(KEY, "AES"));
+        return cipher.doFinal(blocks);
+    }
+
+    private static String hex(byte[] bytes, int from, int to) {
+        StringBuilder text = new StringBuilder();
+        for (int i = from; i < to; i++) text.append(String.format("%02x", bytes[i] & 0xff));
+        return text.toString();
+    }
+
+    /** "mee": length, "x", then each 4 bytes as a little-endian decimal integer and "x". */
+    private static String mee(String source) {
+        byte[] bytes = Arrays.copyOf(source.getBytes(StandardCharsets.US_ASCII), (source.length() + 3) / 4 * 4);
+        StringBuilder text = new StringBuilder("mee").append(source.length()).append('x');
+        for (int i = 0; i < bytes.length; i += 4) {
+            int word = (bytes[i] & 0xff) | (bytes[i + 1] & 0xff) << 8 | (bytes[i + 2] & 0xff) << 16
+                    | (bytes[i + 3] & 0xff) << 24;
+            text.append(word).append('x');
+        }
+        return text.toString();
+    }
+
+    /** "aes": only the first block is enciphered; the rest of the hex is plain. */
+    private static String aes(String source) throws Exception {
+        byte[] bytes = source.getBytes(StandardCharsets.US_ASCII);
+        byte[] first = encipher(Arrays.copyOf(bytes, 16));
+        return "aes" + hex(first, 0, 16) + hex(bytes, 16, bytes.length);
+    }
+
+    /** "ios": NUL padded blocks; the last block is never deciphered, so it is stored plain. */
+    private static String ios(String source) throws Exception {
+        byte[] bytes = source.getBytes(StandardCharsets.US_ASCII);
+        byte[] padded = Arrays.copyOf(bytes, (bytes.length + 15) / 16 * 16);
+        int last = padded.length - 16;
+        byte[] sealed = encipher(Arrays.copyOf(padded, last));
+        return "ios" + hex(sealed, 0, last) + hex(padded, last, padded.length);
+    }
+
+    @Test
+    void protectedShaderSourcesCompile() throws Exception {
+        describe("mee_invert", mee(INVERT));
+        describe("aes_invert", aes(INVERT));
+        describe("ios_invert", ios(INVERT));
+        pack("sealed_mee", leaf("mee_invert"));
+        pack("sealed_aes", leaf("aes_invert"));
+        pack("sealed_ios", leaf("ios_invert"));
+        pack("unsealed_copy", leaf("copy"));
+        for (String name : new String[] {"sealed_mee", "sealed_aes", "sealed_ios"}) {
+            // A program that fails to link is never made current, so the draw
+            // would use the program current before it: make that a copy.
+            assertArrayEquals(rgba(INPUT), renderInput("unsealed_copy"));
+            assertArrayEquals(expected(INVERT_REF), renderInput(name), name);
+        }
+    }
+
+    @Test
+    void brokenPackagesGiveNoOutputAndThrowNothing() throws IOException {
+        write("filter/gl/novertex.xml", "<glfilter><fragment>" + INVERT + "</fragment></glfilter>");
+        pack("br_badxml", "<model>" + leaf("invert").replace("</filter>", "") + "</model>");
+        pack("br_root", "<shader>" + leaf("invert") + "</shader>");
+        pack("br_nodesc", leaf("no_such_description"));
+        pack("br_novertex", leaf("novertex"));
+        pack("br_relation", "<model>" + leaf("invert") + leaf("invert") + "<relation output='0' input='1'/></model>");
+        pack("br_cycle_a", "<model><filter include='br_cycle_b'/></model>");
+        pack("br_cycle_b", "<model>" + leaf("invert") + "<filter include='br_cycle_a'/></model>");
+
+        int input = texture(2, 2, INPUT);
+        for (String name : new String[] {"br_missing", "br_badxml", "br_root", "br_nodesc", "br_novertex",
+                "br_relation", "br_cycle_a", "br_cycle_b"}) {
+            assertDoesNotThrow(() -> {
+                try (FilterWraper wraper = new FilterWraper(name)) {
+                    wraper.render(input, 2, 2);
+                    assertEquals(0, wraper.outputTexture(), name);
+                }
+            }, name);
+        }
+        assertArrayEquals(rgba(INPUT), read(input, 2, 2));
+    }
+
+    @Test
+    void callerTextureKeepsItsPixelsAndSamplesLinearlyClampedToTheEdge() throws IOException {
+        pack("sampling", leaf("copy"));
+        // A fresh name: its default minification filter needs mipmaps, so it
+        // would sample black unless the engine set the filtering.
+        int dark = 0x000000;
+        int light = 0xc8c8c8;
+        int input = texture(2, 2, new int[] {dark, light, dark, light});
+        // Drawn at 4x4, each row samples x = 0.125, 0.375, 0.625, 0.875: linear
+        // weights 1/4 and 3/4 between the columns, the edges clamped (repeat
+        // would blend the outer pixels with the opposite column).
+        int[] row = {0x000000, 0x323232, 0x969696, 0xc8c8c8};
+        int[] expectedPixels = new int[16];
+        for (int i = 0; i < 16; i++) expectedPixels[i] = row[i % 4];
+        assertArrayEquals(rgba(expectedPixels), render("sampling", input, 4, 4));
+        assertArrayEquals(rgba(new int[] {dark, light, dark, light}), read(input, 2, 2));
+    }
+}
