@@ -1,0 +1,87 @@
+// Reference rows of the CPU filters: gray, curve, colour matrix and 3x3
+// smoothing of one channel.
+#include <cmath>
+#include <limits>
+
+#include "jni/pixel_kernels.h"
+
+namespace ifc {
+
+void gray_row_c(const uint8_t* src, uint8_t* dst, int count, int channels) {
+    for (int i = 0; i < count; ++i, src += channels, dst += channels) {
+        // Weights 0.299, 0.587, 0.114 in 16.16 (7471 = 241 * 31); they sum to 65535.
+        const uint8_t g = clamp_byte((19595 * src[0] + 38469 * src[1] + 7471 * src[2]) >> 16);
+        dst[0] = dst[1] = dst[2] = g;
+    }
+}
+
+void curve_row_c(const uint8_t* src, uint8_t* dst, int count, int channels, const uint8_t* curve) {
+    for (int i = 0; i < count; ++i, src += channels, dst += channels) {
+        const uint8_t r = curve[3 * src[0]];
+        const uint8_t g = curve[3 * src[1] + 1];
+        const uint8_t b = curve[3 * src[2] + 2];
+        dst[0] = r;
+        dst[1] = g;
+        dst[2] = b;
+    }
+}
+
+namespace {
+
+// float -> 16.16 truncated; out-of-range values saturate and NaN gives 0, as
+// the ARM conversion instruction does.
+int32_t to_fixed(float value) {
+    const float scaled = value * 65536.0f;
+    if (std::isnan(scaled)) return 0;
+    if (scaled >= 2147483648.0f) return std::numeric_limits<int32_t>::max();
+    if (scaled <= -2147483648.0f) return std::numeric_limits<int32_t>::min();
+    return static_cast<int32_t>(scaled);
+}
+
+// 0 below 1.0 (65536), else the integer part capped at 255.
+inline uint8_t matrix_out(uint32_t sum) {
+    const int32_t out = static_cast<int32_t>(sum);
+    return out < 65536 ? 0 : static_cast<uint8_t>(out >> 16 > 255 ? 255 : out >> 16);
+}
+
+}  // namespace
+
+MatrixFixed matrix_to_fixed(const float* m) {
+    MatrixFixed f;
+    for (int col = 0; col < 3; ++col)
+        for (int row = 0; row < 3; ++row) f.k[col * 3 + row] = to_fixed(m[col * 4 + row]);
+    // The offset column counts 256 levels per 1.0.
+    for (int row = 0; row < 3; ++row)
+        f.k[9 + row] = static_cast<int32_t>(static_cast<uint32_t>(to_fixed(m[12 + row])) << 8);
+    return f;
+}
+
+void matrix_row_c(const uint8_t* src, uint8_t* dst, int count, int channels, const MatrixFixed& f) {
+    // Sums wrap in 32 bits like the device's integer arithmetic.
+    const uint32_t* k = reinterpret_cast<const uint32_t*>(f.k);
+    for (int i = 0; i < count; ++i, src += channels, dst += channels) {
+        const uint32_t r = src[0], g = src[1], b = src[2];
+        const uint8_t o0 = matrix_out(r * k[0] + g * k[3] + b * k[6] + k[9]);
+        const uint8_t o1 = matrix_out(r * k[1] + g * k[4] + b * k[7] + k[10]);
+        const uint8_t o2 = matrix_out(r * k[2] + g * k[5] + b * k[8] + k[11]);
+        dst[0] = o0;
+        dst[1] = o1;
+        dst[2] = o2;
+    }
+}
+
+void smooth3x3_row_c(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* dst,
+                     int width, int channels, int channel) {
+    above += channel;
+    row += channel;
+    below += channel;
+    dst += channel;
+    for (int x = 1; x < width - 1; ++x) {
+        const int l = (x - 1) * channels, c = x * channels, r = (x + 1) * channels;
+        const int sum = above[l] + 2 * above[c] + above[r] + 2 * row[l] + 4 * row[c] + 2 * row[r] +
+                        below[l] + 2 * below[c] + below[r];
+        dst[c] = static_cast<uint8_t>(sum >> 4);
+    }
+}
+
+}  // namespace ifc

@@ -1,0 +1,42 @@
+// x86-64: SSE2 is always there; AVX2 rows are taken when the CPU has it.
+#include "jni/pixel_kernels.h"
+
+namespace ifc {
+
+namespace {
+
+constexpr PixelKernels kSse2 = {
+    "sse2",
+    nv21_to_rgba_row_sse2,
+    nv21_to_yuva_row_sse2,
+    yuv422_to_rgba_row_sse2,
+    rgb565_to_rgba_row_sse2,
+    gray_row_sse2,
+    matrix_row_sse2,
+    smooth3x3_row_sse2,
+};
+
+PixelKernels avx2_kernels() {
+    PixelKernels k = kSse2;
+    k.name = "avx2";
+    k.nv21_to_rgba_row = nv21_to_rgba_row_avx2;
+    k.nv21_to_yuva_row = nv21_to_yuva_row_avx2;
+    k.yuv422_to_rgba_row = yuv422_to_rgba_row_avx2;
+    k.matrix_row = matrix_row_avx2;
+    return k;
+}
+
+}  // namespace
+
+std::vector<PixelKernels> kernel_variants() {
+    std::vector<PixelKernels> variants{kSse2};
+    if (__builtin_cpu_supports("avx2")) variants.push_back(avx2_kernels());
+    return variants;
+}
+
+const PixelKernels& pixel_kernels() {
+    static const PixelKernels kernels = kernel_variants().back();
+    return kernels;
+}
+
+}  // namespace ifc

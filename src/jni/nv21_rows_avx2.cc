@@ -1,0 +1,32 @@
+// NV21 rows, AVX2: 32 pixels per step, the tail by the SSE2 row.
+#include "jni/pixel_kernels.h"
+#include "jni/yuv_core_avx2.h"
+
+namespace ifc {
+
+namespace {
+
+inline __m256i load32(const uint8_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+
+}  // namespace
+
+void nv21_to_rgba_row_avx2(const uint8_t* y, const uint8_t* vu, uint8_t* rgba, int width) {
+    int x = 0;
+    for (; x + 32 <= width; x += 32) yuv32_to_rgba_avx2(load32(y + x), load32(vu + x), rgba + 4 * x);
+    nv21_to_rgba_row_sse2(y + x, vu + x, rgba + 4 * x, width - x);
+}
+
+void nv21_to_yuva_row_avx2(const uint8_t* y, const uint8_t* vu, uint8_t* yuva, int width) {
+    const __m256i low_byte = _mm256_set1_epi16(0xFF);
+    int x = 0;
+    for (; x + 32 <= width; x += 32) {
+        const __m256i c = load32(vu + x);
+        const __m256i u = _mm256_srli_epi16(c, 8);
+        const __m256i v = _mm256_and_si256(c, low_byte);
+        store_interleaved4_avx2(load32(y + x), _mm256_or_si256(u, _mm256_slli_epi16(u, 8)),
+                                _mm256_or_si256(v, _mm256_slli_epi16(v, 8)), _mm256_set1_epi8(-1), yuva + 4 * x);
+    }
+    nv21_to_yuva_row_sse2(y + x, vu + x, yuva + 4 * x, width - x);
+}
+
+}  // namespace ifc

@@ -1,0 +1,70 @@
+#include "jni/qimage_pixels.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "jni/pixel_kernels.h"
+
+namespace ifc {
+
+namespace {
+
+bool is_header(const _Image* image) { return image->size == 0 && image->data != nullptr; }
+
+// A header's pixels belong to a locked bitmap: only the record is ours.
+void release_image(_Image* image) {
+    if (is_header(image) && int64_t{image->width} * image->height * image->channels > 0)
+        free_image_header(&image);
+    else
+        free_image(&image);
+}
+
+}  // namespace
+
+size_t image_capacity(const _Image* image) {
+    if (!image || !image->data || image->stride <= 0 || image->height <= 0) return 0;
+    const size_t rows = size_t(image->stride) * size_t(image->height);
+    return image->size == 0 ? rows : std::min<size_t>(image->size, rows);
+}
+
+_Image* frame_image_for(_Image* current, int width, int height) {
+    const int64_t pixels = int64_t{width} * height;
+    if (current) {
+        // The channel count is not compared; only the room for the pixels.
+        if (int64_t{current->width} * current->height == pixels && image_capacity(current) >= size_t(pixels) * 4)
+            return current;
+        release_image(current);
+    }
+    return create_image(width, height, 4, width * 4);
+}
+
+bool alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, int x, int y) {
+    if (image->channels < 3) return false;
+    const int iw = image->width, ih = image->height, channels = image->channels;
+    // x names the left edge but y the vertical centre; intended.
+    const int top = y - (oh >> 1);
+    const int columns = x + ow > iw ? iw - x : ow;
+    const int rows = top + oh > ih ? ih - top : oh;
+    for (int i = std::max(0, -top); i < rows; ++i) {
+        const uint8_t* s = overlay + size_t(i) * ow * 4;
+        uint8_t* d = image->data + (size_t(top + i) * iw) * channels;
+        for (int j = std::max(0, -x); j < columns; ++j) {
+            const uint8_t* sp = s + 4 * j;
+            uint8_t* dp = d + size_t(x + j) * channels;
+            const int keep = 255 - sp[3];
+            // Stored as a byte: an overlay brighter than its alpha wraps.
+            for (int c = 0; c < 3; ++c) dp[c] = static_cast<uint8_t>((dp[c] * keep + sp[c] * 255) / 255);
+        }
+    }
+    return true;
+}
+
+void image_histogram(const _Image* image, uint32_t* bins, bool per_channel) {
+    const HistogramSource src{image->data, image->stride, image->width, image->height, image_capacity(image)};
+    if (per_channel)
+        histogram_channels_fast(src, bins);
+    else
+        histogram_fast(src, bins);
+}
+
+}  // namespace ifc
