@@ -45,6 +45,9 @@ public final class FilterDemo {
         } catch (DemoFailure e) {
             System.err.println("demo: " + e.getMessage());
             status = e.status;
+        } catch (LinkageError e) {
+            System.err.println("demo: cannot load the native libraries: " + e);
+            status = 3;
         }
         System.exit(status);
     }
@@ -159,12 +162,13 @@ public final class FilterDemo {
             HostGL gl = HostGL.create(w, h);
             if (!gl.makeCurrent()) {
                 gl.close();
-                throw new IllegalStateException("eglMakeCurrent failed");
+                throw new IllegalStateException("no OpenGL ES 2.0 context could be made: eglMakeCurrent failed");
             }
             return gl;
-        } catch (IllegalStateException | UnsatisfiedLinkError e) {
-            throw new DemoFailure(3, "no OpenGL ES 2.0 context could be made, nothing rendered ("
-                    + e.getMessage() + ")");
+        } catch (IllegalStateException e) {
+            throw new DemoFailure(3, e.getMessage() + "; nothing rendered");
+        } catch (UnsatisfiedLinkError e) {
+            throw new DemoFailure(3, "no OpenGL ES 2.0 context could be made: " + e.getMessage());
         }
     }
 
@@ -179,6 +183,10 @@ public final class FilterDemo {
                     .sorted()
                     .toList();
             if (names.isEmpty()) throw new DemoFailure(2, "no filter packages in " + filters);
+            if (!Files.isDirectory(filters.resolve("gl"))) {
+                System.out.println("warning: " + filters.resolve("gl") + " is missing: the packages have no shaders"
+                        + " (scripts/make-packages writes them)");
+            }
             return names;
         } catch (IOException e) {
             throw new DemoFailure(2, "cannot list the packages in " + filters + ": " + e.getMessage());
@@ -208,7 +216,9 @@ public final class FilterDemo {
             for (int i = 0; i < args.length; i++) {
                 String arg = args[i];
                 if (arg.equals("--help") || arg.equals("-h")) throw new DemoFailure(0, USAGE);
-                if (arg.startsWith("--") && i + 1 >= args.length) throw new DemoFailure(2, arg + " needs a value\n" + USAGE);
+                boolean known = List.of("--size", "--frames", "--bundle", "--out").contains(arg);
+                if (arg.startsWith("--") && !known) throw new DemoFailure(2, "unknown option " + arg + "\n" + USAGE);
+                if (known && i + 1 >= args.length) throw new DemoFailure(2, arg + " needs a value\n" + USAGE);
                 switch (arg) {
                     case "--size" -> {
                         String[] parts = args[++i].split("x");
@@ -218,10 +228,7 @@ public final class FilterDemo {
                     case "--frames" -> frames = positive(args[++i], "--frames");
                     case "--bundle" -> bundle = Paths.get(args[++i]);
                     case "--out" -> out = Paths.get(args[++i]);
-                    default -> {
-                        if (arg.startsWith("--")) throw new DemoFailure(2, "unknown option " + arg + "\n" + USAGE);
-                        photo = arg;
-                    }
+                    default -> photo = arg;
                 }
             }
             if (width % 2 != 0 || height % 2 != 0 || width < 2 || height < 2) {
