@@ -39,9 +39,9 @@ public final class FilterDemo {
     }
 
     public static void main(String[] args) {
-        int status;
+        int status = 0;
         try {
-            status = new FilterDemo(Options.parse(args)).run();
+            new FilterDemo(Options.parse(args)).run();
         } catch (DemoFailure e) {
             System.err.println("demo: " + e.getMessage());
             status = e.status;
@@ -52,7 +52,7 @@ public final class FilterDemo {
         System.exit(status);
     }
 
-    private int run() {
+    private void run() {
         BufferedImage picture = options.picture();
         int w = picture.getWidth();
         int h = picture.getHeight();
@@ -87,7 +87,6 @@ public final class FilterDemo {
         write("contact-sheet", ContactSheet.draw(tiles, Math.min(w, 320)));
         printTable();
         if (failed > 0) throw new DemoFailure(1, failed + " of " + packages.size() + " packages gave no output");
-        return 0;
     }
 
     private boolean runPackage(String name, int input, int w, int h) {
@@ -157,9 +156,11 @@ public final class FilterDemo {
         System.out.println("  wrote " + file);
     }
 
+    // The filters draw into framebuffers of their own; the window surface only
+    // stands in for the app's preview, so a big photograph need not fit it.
     private static HostGL openGL(int w, int h) {
         try {
-            HostGL gl = HostGL.create(w, h);
+            HostGL gl = HostGL.create(Math.min(w, 1920), Math.min(h, 1920));
             if (!gl.makeCurrent()) {
                 gl.close();
                 throw new IllegalStateException("no OpenGL ES 2.0 context could be made: eglMakeCurrent failed");
