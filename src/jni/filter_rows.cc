@@ -56,6 +56,14 @@ MatrixFixed matrix_to_fixed(const float* m) {
     return f;
 }
 
+void matrix_split_words(const MatrixFixed& f, int c, int16_t low[4], int16_t high[4]) {
+    const int32_t k[4] = {f.k[c], f.k[3 + c], f.k[6 + c], f.k[9 + c]};
+    for (int j = 0; j < 4; ++j) {
+        low[j] = static_cast<int16_t>(k[j] & 0xFFFF);
+        high[j] = static_cast<int16_t>((static_cast<uint32_t>(k[j]) - static_cast<uint32_t>(low[j])) >> 16);
+    }
+}
+
 void matrix_row_c(const uint8_t* src, uint8_t* dst, int count, int channels, const MatrixFixed& f) {
     // Sums wrap in 32 bits like the device's integer arithmetic.
     const uint32_t* k = reinterpret_cast<const uint32_t*>(f.k);

@@ -11,11 +11,7 @@ void matrix_row_avx2(const uint8_t* src, uint8_t* dst, int count, int channels, 
     __m256i low[3], high[3];
     for (int c = 0; c < 3; ++c) {
         int16_t l[4], h[4];
-        const int32_t k[4] = {f.k[c], f.k[3 + c], f.k[6 + c], f.k[9 + c]};
-        for (int j = 0; j < 4; ++j) {
-            l[j] = static_cast<int16_t>(k[j] & 0xFFFF);
-            h[j] = static_cast<int16_t>((static_cast<uint32_t>(k[j]) - static_cast<uint32_t>(l[j])) >> 16);
-        }
+        matrix_split_words(f, c, l, h);
         low[c] = _mm256_setr_epi16(l[0], l[1], l[2], l[3], l[0], l[1], l[2], l[3], l[0], l[1], l[2], l[3], l[0],
                                    l[1], l[2], l[3]);
         high[c] = _mm256_setr_epi16(h[0], h[1], h[2], h[3], h[0], h[1], h[2], h[3], h[0], h[1], h[2], h[3], h[0],

@@ -79,6 +79,10 @@ struct MatrixFixed {
     int32_t k[12];
 };
 MatrixFixed matrix_to_fixed(const float* m);
+// For 16-bit multiply-add kernels: output c's coefficients (byte 0, 1, 2
+// weights and the offset) split as k = high * 65536 + low, both signed 16-bit;
+// low + (high << 16) products reproduce the wrapped 32-bit sums.
+void matrix_split_words(const MatrixFixed& f, int c, int16_t low[4], int16_t high[4]);
 void matrix_row_c(const uint8_t* src, uint8_t* dst, int count, int channels, const MatrixFixed& k);
 void matrix_row_sse2(const uint8_t* src, uint8_t* dst, int count, int channels, const MatrixFixed& k);
 void matrix_row_avx2(const uint8_t* src, uint8_t* dst, int count, int channels, const MatrixFixed& k);
