@@ -1,0 +1,46 @@
+// Image files on disk (PNG, JPEG and whatever stb_image reads) and a bundle
+// directory that serves package files and decoded images to the engine.
+#ifndef FILTERPACK_IMAGE_FILES_H
+#define FILTERPACK_IMAGE_FILES_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/resource_loader.h"
+
+namespace filterpack {
+
+// Tightly packed RGBA rows, top row first.
+struct RgbaImage {
+    int width = 0;
+    int height = 0;
+    std::vector<uint8_t> pixels;
+};
+
+bool readImageFile(const std::string& path, RgbaImage* image, std::string* error);
+bool writePngFile(const std::string& path, const RgbaImage& image, std::string* error);
+
+// A bundle laid out as the app's: "filter/NAME/filter.xml", "filter/gl/...".
+class BundleDirectory : public HFDirectoryResourceProvider {
+public:
+    explicit BundleDirectory(std::string root);
+    _Image* loadRGBA(const char* path) override;
+    std::string pathOnDisk(const std::string& path) const { return fullPath(path.c_str()); }
+};
+
+// Serves the engine from a bundle for the life of the object.
+class InstalledBundle {
+public:
+    explicit InstalledBundle(HFResourceProvider* provider) : previous(HFResourceLoader_setProvider(provider)) {}
+    ~InstalledBundle() { HFResourceLoader_setProvider(previous); }
+    InstalledBundle(const InstalledBundle&) = delete;
+    InstalledBundle& operator=(const InstalledBundle&) = delete;
+
+private:
+    HFResourceProvider* previous;
+};
+
+}  // namespace filterpack
+
+#endif  // FILTERPACK_IMAGE_FILES_H
