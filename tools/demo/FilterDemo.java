@@ -106,7 +106,7 @@ public final class FilterDemo {
             GLSLRender.nativeCopyTexturToDataWithShare(filter.outputTexture(), rgba, w, h, DIRECT_READ_SLOT);
             BufferedImage result = Pixels.fromRgba(rgba, w, h);
             write(name, result);
-            tiles.add(new ContactSheet.Tile(String.format("%s  %.1f ms", name, perFrame), result));
+            tiles.add(new ContactSheet.Tile(name, result));
             return true;
         }
     }
