@@ -5,6 +5,7 @@ import com.lumeric.filter.GLSLRender;
 import com.lumeric.filter.QImage;
 import com.lumeric.host.DirectoryBundle;
 import com.lumeric.host.HostGL;
+import com.lumeric.host.ImageFilterTables;
 import com.lumeric.util.FilterEngineJNILib;
 
 import java.awt.image.BufferedImage;
@@ -61,6 +62,8 @@ public final class FilterDemo {
         System.out.printf("frame %dx%d NV21 (%d bytes), %d packages from %s%n", w, h, nv21.length, packages.size(),
                 options.bundle);
 
+        // The app builds the conversion tables once before the first frame.
+        ImageFilterTables.initialize();
         FilterEngineJNILib.setBundle(new DirectoryBundle(options.bundle));
         int failed = 0;
         try (HostGL gl = openGL(w, h); QImage frame = new QImage()) {
