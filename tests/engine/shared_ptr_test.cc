@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+// GCC 12 cannot see that the handles below share one count of 3 and warns of
+// a use after free in the inlined releases; ASan runs these tests for real.
+#if defined(__GNUC__) && !defined(__clang__) && __GNUC__ >= 12
+#pragma GCC diagnostic ignored "-Wuse-after-free"
+#endif
+
 namespace {
 
 struct Base {
