@@ -21,7 +21,7 @@ import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.function.IntUnaryOperator;
 import javax.crypto.Cipher;
-import javax.crypto.spec.SecretKeySpec;
+import javax.crypto.SecretKey;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
@@ -247,7 +247,7 @@ class FilterPackageRenderTest {
 
     private static byte[] encipher(byte[] blocks) throws Exception {
         Cipher cipher = Cipher.getInstance("AES/ECB/NoPadding");
-        cipher.init(Cipher.ENCRYPT_MODE, new SecretKeySpec(KEY, "AES"));
+        cipher.init(Cipher.ENCRYPT_MODE, rawAesKey(KEY));
         return cipher.doFinal(blocks);
     }
 
@@ -342,5 +342,14 @@ class FilterPackageRenderTest {
         for (int i = 0; i < 16; i++) expectedPixels[i] = row[i % 4];
         assertArrayEquals(rgba(expectedPixels), render("sampling", input, 4, 4));
         assertArrayEquals(rgba(new int[] {dark, light, dark, light}), read(input, 2, 2));
+    }
+
+    /** The raw 16-byte shader key as a JCE key. */
+    private static SecretKey rawAesKey(byte[] key) {
+        return new SecretKey() {
+            @Override public String getAlgorithm() { return "AES"; }
+            @Override public String getFormat() { return "RAW"; }
+            @Override public byte[] getEncoded() { return key.clone(); }
+        };
     }
 }
