@@ -167,8 +167,12 @@ void ColourMatrix_OpenCV(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kW * kH);
 }
 
-// Ours smooths one channel of the RGBA image; OpenCV gets a one-channel
-// image of the same size (less memory to walk).
+// 3x3 smoothing, all on 1920x1080 pixels. Ours smooths channel 1 of the
+// RGBA image into a separate RGBA destination, leaving its other bytes as
+// they are. OpenCV is timed three ways: the same RGBA image (all four
+// channels smoothed: same bytes walked, four times the arithmetic), the same
+// job done with OpenCV calls (channel 1 taken out, smoothed, put back), and a
+// bare one-channel plane (a quarter of the memory).
 void Smooth3x3_Ours(benchmark::State& state) {
     Rgba image;
     for (auto _ : state) {
@@ -178,7 +182,46 @@ void Smooth3x3_Ours(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kW * kH);
 }
 
-void Smooth3x3_OpenCV(benchmark::State& state) {
+void Smooth3x3_Scalar(benchmark::State& state) {
+    Rgba image;
+    const auto row = ifc::scalar_kernels().smooth3x3_row;
+    const ptrdiff_t bytes = ptrdiff_t{kW} * 4;
+    for (auto _ : state) {
+        for (int y = 1; y < kH - 1; ++y) {
+            const uint8_t* src = image.pixels.data() + y * bytes;
+            row(src - bytes, src, src + bytes, image.out.data() + y * bytes, kW, 4, 1);
+        }
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kW * kH);
+}
+
+void Smooth3x3_OpenCV_Rgba(benchmark::State& state) {
+    cv::setNumThreads(1);
+    Rgba image;
+    cv::Mat src(kH, kW, CV_8UC4, image.pixels.data()), dst(kH, kW, CV_8UC4, image.out.data());
+    for (auto _ : state) {
+        cv::GaussianBlur(src, dst, cv::Size(3, 3), 0);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kW * kH);
+}
+
+void Smooth3x3_OpenCV_OneChannelOfRgba(benchmark::State& state) {
+    cv::setNumThreads(1);
+    Rgba image;
+    cv::Mat src(kH, kW, CV_8UC4, image.pixels.data()), dst(kH, kW, CV_8UC4, image.out.data());
+    cv::Mat plane, smoothed;
+    for (auto _ : state) {
+        cv::extractChannel(src, plane, 1);
+        cv::GaussianBlur(plane, smoothed, cv::Size(3, 3), 0);
+        cv::insertChannel(smoothed, dst, 1);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kW * kH);
+}
+
+void Smooth3x3_OpenCV_Plane(benchmark::State& state) {
     cv::setNumThreads(1);
     std::vector<uint8_t> gray = random_bytes(size_t(kW) * kH), out(size_t(kW) * kH);
     cv::Mat src(kH, kW, CV_8UC1, gray.data()), dst(kH, kW, CV_8UC1, out.data());
@@ -194,7 +237,10 @@ BENCHMARK(Histogram_OpenCV)->Unit(benchmark::kMicrosecond);
 BENCHMARK(ColourMatrix_Ours)->Unit(benchmark::kMicrosecond);
 BENCHMARK(ColourMatrix_OpenCV)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Smooth3x3_Ours)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Smooth3x3_OpenCV)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Smooth3x3_Scalar)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Smooth3x3_OpenCV_Rgba)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Smooth3x3_OpenCV_OneChannelOfRgba)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Smooth3x3_OpenCV_Plane)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -1,42 +1,68 @@
 // Exported CPU filters: source to destination of the same geometry, rows
 // taken as contiguous, bytes 0..2 of each pixel written, byte 3 never.
+#include <algorithm>
 #include <cstdint>
 
 #include "image_filter/filters.h"
 #include "jni/pixel_kernels.h"
+#include "jni/qimage_pixels.h"
 
 namespace {
 
 int64_t pixel_count(const _Image* image) { return int64_t{image->width} * image->height; }
 
-// Calls that would write past the destination do nothing: it must hold at
-// least the source's pixels and channels.
-bool fits(const _Image* source, const _Image* destination, int min_channels) {
-    return source && destination && source->data && destination->data && source->width > 0 &&
-           source->height > 0 && source->channels >= min_channels &&
-           destination->channels >= source->channels &&
-           pixel_count(destination) >= pixel_count(source);
+// Bytes a filter may touch: the pixels taken as contiguous, or more when the
+// record says its buffer is larger.
+int64_t buffer_bytes(const _Image* image) {
+    return std::max<int64_t>(pixel_count(image) * image->channels, static_cast<int64_t>(ifc::image_capacity(image)));
 }
 
-int count_of(const _Image* source) { return static_cast<int>(pixel_count(source)); }
+// Runs row(src, dst, n) over the pixels whose bytes 0..2 (the source's
+// channels apart) lie in both buffers: fast(...) over those whose every byte
+// does, reference(...) over the rest. With fewer than three channels a
+// pixel's bytes run into its neighbours'; only the last pixels, whose bytes
+// would fall past the end, are left out.
+template <typename Fast, typename Reference>
+void filter_pixels(const _Image* source, _Image* destination, Fast fast, Reference reference) {
+    if (!source || !destination || !source->data || !destination->data || source->width <= 0 ||
+        source->height <= 0 || source->channels <= 0)
+        return;
+    const int64_t channels = source->channels;
+    const int64_t room = std::min(buffer_bytes(source), buffer_bytes(destination));
+    const int64_t count = std::min(pixel_count(source), room < 3 ? 0 : (room - 3) / channels + 1);
+    const int64_t whole = std::min(count, room / channels);
+    fast(source->data, destination->data, static_cast<int>(whole));
+    reference(source->data + whole * channels, destination->data + whole * channels, static_cast<int>(count - whole));
+}
+
+// The smoothing reads and writes one byte per pixel inside the image.
+bool fits(const _Image* source, const _Image* destination) {
+    return source && destination && source->data && destination->data && source->width > 0 &&
+           source->height > 0 && source->channels >= 1 && destination->channels >= source->channels &&
+           pixel_count(destination) >= pixel_count(source);
+}
 
 }  // namespace
 
 extern "C" {
 
 void image_filter_gray(const _Image* source, _Image* destination) {
-    if (!fits(source, destination, 3)) return;
     const ifc::PixelKernels& k = ifc::g_yuv_tables_ready ? ifc::pixel_kernels() : ifc::scalar_kernels();
-    k.gray_row(source->data, destination->data, count_of(source), source->channels);
+    const int channels = source ? source->channels : 0;
+    filter_pixels(
+        source, destination, [&](const uint8_t* s, uint8_t* d, int n) { k.gray_row(s, d, n, channels); },
+        [&](const uint8_t* s, uint8_t* d, int n) { ifc::gray_row_c(s, d, n, channels); });
 }
 
 void image_filter_curve(const _Image* source, _Image* destination, const unsigned char* curve) {
-    if (!curve || !fits(source, destination, 3)) return;
-    ifc::curve_row_c(source->data, destination->data, count_of(source), source->channels, curve);
+    if (!curve) return;
+    const int channels = source ? source->channels : 0;
+    auto row = [&](const uint8_t* s, uint8_t* d, int n) { ifc::curve_row_c(s, d, n, channels, curve); };
+    filter_pixels(source, destination, row, row);
 }
 
 void image_filter_gauss_channel(const _Image* source, _Image* destination, int channel) {
-    if (!fits(source, destination, 1) || channel < 0 || channel >= source->channels) return;
+    if (!fits(source, destination) || channel < 0 || channel >= source->channels) return;
     if (source->height - 1 < 2) return;
     // Reading rows that were already written would differ from a SIMD block,
     // so in-place smoothing takes the reference row.
@@ -51,9 +77,13 @@ void image_filter_gauss_channel(const _Image* source, _Image* destination, int c
 }
 
 void image_filter_matrix(const _Image* source, _Image* destination, const float* m) {
-    if (!m || !fits(source, destination, 3)) return;
-    ifc::pixel_kernels().matrix_row(source->data, destination->data, count_of(source), source->channels,
-                                    ifc::matrix_to_fixed(m));
+    if (!m) return;
+    const int channels = source ? source->channels : 0;
+    const ifc::MatrixFixed fixed = ifc::matrix_to_fixed(m);
+    filter_pixels(
+        source, destination,
+        [&](const uint8_t* s, uint8_t* d, int n) { ifc::pixel_kernels().matrix_row(s, d, n, channels, fixed); },
+        [&](const uint8_t* s, uint8_t* d, int n) { ifc::matrix_row_c(s, d, n, channels, fixed); });
 }
 
 }  // extern "C"

@@ -55,24 +55,29 @@ void matrix_row_neon(const uint8_t* src, uint8_t* dst, int count, int channels, 
 void smooth3x3_row_neon(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* dst,
                         int width, int channels, int channel) {
     if (channels != 4) return smooth3x3_row_c(above, row, below, dst, width, channels, channel);
-    // Column sums above + 2 * row + below of the channel, 8 pixels from x.
+    // Column sums above + 2 * row + below of the channel, 8 pixels from x,
+    // each computed once; the horizontal neighbours come from the next block.
     auto column = [&](int x) {
         const uint8x8_t a = vld4_u8(above + 4 * x).val[channel];
         const uint8x8_t m = vld4_u8(row + 4 * x).val[channel];
         const uint8x8_t b = vld4_u8(below + 4 * x).val[channel];
         return vaddq_u16(vaddl_u8(a, b), vshll_n_u8(m, 1));
     };
-    int x = 1;
-    for (; x + 8 <= width - 1; x += 8) {
-        const uint16x8_t sum = vaddq_u16(vaddq_u16(column(x - 1), column(x + 1)), vshlq_n_u16(column(x), 1));
-        uint8x8x4_t out = vld4_u8(dst + 4 * x);
-        out.val[channel] = vshrn_n_u16(sum, 4);
-        vst4_u8(dst + 4 * x, out);
+    int x = 0;
+    uint16x8_t left = width >= 16 ? column(0) : vdupq_n_u16(0);
+    // Sums of pixels x..x+15 give outputs x+1..x+8.
+    for (; x + 16 <= width; x += 8) {
+        const uint16x8_t next = column(x + 8);
+        const uint16x8_t centre = vextq_u16(left, next, 1), right = vextq_u16(left, next, 2);
+        const uint16x8_t sum = vaddq_u16(vaddq_u16(left, right), vshlq_n_u16(centre, 1));
+        uint8_t* out = dst + 4 * (x + 1);
+        uint8x8x4_t pixels = vld4_u8(out);
+        pixels.val[channel] = vshrn_n_u16(sum, 4);
+        vst4_u8(out, pixels);
+        left = next;
     }
-    // The reference row starts at its own x = 1: hand it the window from x - 1.
-    const int done = x - 1;
-    smooth3x3_row_c(above + 4 * done, row + 4 * done, below + 4 * done, dst + 4 * done, width - done, channels,
-                    channel);
+    // The reference row starts at its own x = 1: hand it the window from x.
+    smooth3x3_row_c(above + 4 * x, row + 4 * x, below + 4 * x, dst + 4 * x, width - x, channels, channel);
 }
 
 }  // namespace ifc

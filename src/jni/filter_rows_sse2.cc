@@ -83,29 +83,59 @@ void matrix_row_sse2(const uint8_t* src, uint8_t* dst, int count, int channels, 
     matrix_row_c(src + 4 * i, dst + 4 * i, count - i, channels, f);
 }
 
+namespace {
+
+// One pixel per 32-bit lane with channel C left at its own byte (byte 3 is
+// moved down so that sums of 16 times a byte cannot overflow).
+template <int C>
+struct ChannelLanes {
+    static __m128i mask() { return _mm_set1_epi32(static_cast<int>(0xFFu << (8 * C))); }
+    static __m128i pick(const uint8_t* p) {
+        return C == 3 ? _mm_srli_epi32(load(p), 24) : _mm_and_si128(load(p), mask());
+    }
+    // sum >> 4 back at byte C.
+    static __m128i place(__m128i sum) {
+        const __m128i value = _mm_srli_epi32(sum, 4);
+        return C == 3 ? _mm_slli_epi32(value, 24) : _mm_and_si128(value, mask());
+    }
+};
+
+// Vertical sums above + 2 * row + below of 4 pixels, then the horizontal
+// 1-2-1 from the block and the next one: each sum is computed once.
+template <int C>
+void smooth_rgba_row(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* dst, int width) {
+    using L = ChannelLanes<C>;
+    auto column = [&](int x) {
+        const __m128i m = L::pick(row + 4 * x);
+        return _mm_add_epi32(_mm_add_epi32(L::pick(above + 4 * x), L::pick(below + 4 * x)), _mm_add_epi32(m, m));
+    };
+    int x = 0;
+    __m128i left = width >= 8 ? column(0) : _mm_setzero_si128();
+    // Sums of pixels x..x+7 give outputs x+1..x+4.
+    for (; x + 8 <= width; x += 4) {
+        const __m128i next = column(x + 4);
+        const __m128i centre = _mm_or_si128(_mm_srli_si128(left, 4), _mm_slli_si128(next, 12));
+        const __m128i right = _mm_or_si128(_mm_srli_si128(left, 8), _mm_slli_si128(next, 8));
+        const __m128i sum = _mm_add_epi32(_mm_add_epi32(left, right), _mm_add_epi32(centre, centre));
+        uint8_t* out = dst + 4 * (x + 1);
+        store(out, _mm_or_si128(_mm_andnot_si128(L::mask(), load(out)), L::place(sum)));
+        left = next;
+    }
+    // The reference row starts at its own x = 1: hand it the window from x.
+    smooth3x3_row_c(above + 4 * x, row + 4 * x, below + 4 * x, dst + 4 * x, width - x, 4, C);
+}
+
+}  // namespace
+
 void smooth3x3_row_sse2(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* dst,
                         int width, int channels, int channel) {
     if (channels != 4) return smooth3x3_row_c(above, row, below, dst, width, channels, channel);
-    const int shift = 8 * channel;
-    const __m128i byte = _mm_set1_epi32(0xFF);
-    const __m128i keep = _mm_set1_epi32(~(0xFF << shift));
-    const __m128i count_shift = _mm_cvtsi32_si128(shift);
-    // Column sums above + 2 * row + below of the channel, 4 pixels from x.
-    auto column = [&](int x) {
-        auto ch = [&](const uint8_t* p) { return _mm_and_si128(_mm_srl_epi32(load(p + 4 * x), count_shift), byte); };
-        return _mm_add_epi32(_mm_add_epi32(ch(above), ch(below)), _mm_slli_epi32(ch(row), 1));
-    };
-    int x = 1;
-    for (; x + 4 <= width - 1; x += 4) {
-        const __m128i sum = _mm_add_epi32(_mm_add_epi32(column(x - 1), column(x + 1)), _mm_slli_epi32(column(x), 1));
-        const __m128i value = _mm_sll_epi32(_mm_srli_epi32(sum, 4), count_shift);
-        uint8_t* out = dst + 4 * x;
-        store(out, _mm_or_si128(_mm_and_si128(load(out), keep), value));
+    switch (channel) {
+        case 0: return smooth_rgba_row<0>(above, row, below, dst, width);
+        case 1: return smooth_rgba_row<1>(above, row, below, dst, width);
+        case 2: return smooth_rgba_row<2>(above, row, below, dst, width);
+        default: return smooth_rgba_row<3>(above, row, below, dst, width);
     }
-    // The reference row starts at its own x = 1: hand it the window from x - 1.
-    const int done = x - 1;
-    smooth3x3_row_c(above + 4 * done, row + 4 * done, below + 4 * done, dst + 4 * done, width - done, channels,
-                    channel);
 }
 
 }  // namespace ifc

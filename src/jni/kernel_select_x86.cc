@@ -23,6 +23,7 @@ PixelKernels avx2_kernels() {
     k.nv21_to_yuva_row = nv21_to_yuva_row_avx2;
     k.yuv422_to_rgba_row = yuv422_to_rgba_row_avx2;
     k.matrix_row = matrix_row_avx2;
+    k.smooth3x3_row = smooth3x3_row_avx2;
     return k;
 }
 

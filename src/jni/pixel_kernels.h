@@ -94,6 +94,8 @@ void smooth3x3_row_c(const uint8_t* above, const uint8_t* row, const uint8_t* be
                      int width, int channels, int channel);
 void smooth3x3_row_sse2(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* dst,
                         int width, int channels, int channel);
+void smooth3x3_row_avx2(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* dst,
+                        int width, int channels, int channel);
 void smooth3x3_row_neon(const uint8_t* above, const uint8_t* row, const uint8_t* below, uint8_t* dst,
                         int width, int channels, int channel);
 

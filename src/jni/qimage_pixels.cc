@@ -38,25 +38,30 @@ _Image* frame_image_for(_Image* current, int width, int height) {
     return create_image(width, height, 4, width * 4);
 }
 
-bool alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, int x, int y) {
-    if (image->channels < 3) return false;
+void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, int x, int y) {
     const int iw = image->width, ih = image->height, channels = image->channels;
     // x names the left edge but y the vertical centre; intended.
     const int top = y - (oh >> 1);
     const int columns = x + ow > iw ? iw - x : ow;
     const int rows = top + oh > ih ? ih - top : oh;
-    for (int i = std::max(0, -top); i < rows; ++i) {
+    // Only the right and bottom edges are clipped: a pixel left of the image
+    // lands at the end of the row above, as it always has. Bytes outside the
+    // buffer are skipped.
+    const int64_t capacity = static_cast<int64_t>(image_capacity(image));
+    for (int i = 0; i < rows; ++i) {
         const uint8_t* s = overlay + size_t(i) * ow * 4;
-        uint8_t* d = image->data + (size_t(top + i) * iw) * channels;
-        for (int j = std::max(0, -x); j < columns; ++j) {
+        for (int j = 0; j < columns; ++j) {
+            const int64_t at = (int64_t{top + i} * iw + x + j) * channels;
+            if (at < 0) continue;
             const uint8_t* sp = s + 4 * j;
-            uint8_t* dp = d + size_t(x + j) * channels;
             const int keep = 255 - sp[3];
             // Stored as a byte: an overlay brighter than its alpha wraps.
-            for (int c = 0; c < 3; ++c) dp[c] = static_cast<uint8_t>((dp[c] * keep + sp[c] * 255) / 255);
+            for (int c = 0; c < 3 && at + c < capacity; ++c) {
+                uint8_t& d = image->data[at + c];
+                d = static_cast<uint8_t>((d * keep + sp[c] * 255) / 255);
+            }
         }
     }
-    return true;
 }
 
 void image_histogram(const _Image* image, uint32_t* bins, bool per_channel) {

@@ -21,9 +21,9 @@ _Image* frame_image_for(_Image* current, int width, int height);
 
 // Blends a premultiplied RGBA overlay (ow x oh, rows ow * 4 bytes apart) onto
 // image bytes 0..2 with its left edge at x and its vertical centre at y.
-// Pixels falling outside the image are skipped. False when the image has
-// fewer than 3 channels.
-bool alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, int x, int y);
+// Pixels are placed at (row * width + column) * channels; bytes that fall
+// outside the buffer are skipped.
+void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, int x, int y);
 
 // Histogram of bytes 0..2 of pixels 4 bytes apart (whatever the channel
 // count), rows through the stride: 256 combined bins or 768 per channel.

@@ -159,11 +159,8 @@ JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_alphaMix(JNIEnv* env, 
         log_printE("alphaMix: image is empty");
         return JNI_FALSE;
     }
-    if (!ifc::alpha_mix_overlay(image, pixels.data(), static_cast<int>(bitmap.width),
-                                static_cast<int>(bitmap.height), x, y)) {
-        log_printE("alphaMix: image has fewer than 3 channels");
-        return JNI_FALSE;
-    }
+    ifc::alpha_mix_overlay(image, pixels.data(), static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
+                           x, y);
     return JNI_TRUE;
 }
 

