@@ -176,7 +176,9 @@ TEST_F(PixelFramesTest, AlphaMixPastTheLeftEdgeWrapsToTheRowAbove) {
     EXPECT_EQ(std::string("\xff\x00\x00\x64", 4), pixel(image->data + 4 * 2));
     EXPECT_EQ(std::string("\x00\xff\x00\x64", 4), pixel(image->data + 4 * 3));
     for (int i = 0; i < 36; ++i) {
-        if (i / 4 != 2 && i / 4 != 3) EXPECT_EQ(100, image->data[i]) << i;
+        if (i / 4 != 2 && i / 4 != 3) {
+            EXPECT_EQ(100, image->data[i]) << i;
+        }
     }
     // One byte per pixel: each pixel's three bytes overlap its neighbours';
     // the blend walks them in order and stops at the end of the buffer.
