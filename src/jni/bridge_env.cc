@@ -35,12 +35,22 @@ void storeEnv(JNIEnv* env) {
 }
 
 // In the load hook FindClass resolves through the loading class's loader.
-void rememberLoader(JNIEnv* env) {
-    LocalRef<jclass> anchor(env, env->FindClass("com/lumeric/util/NativeLibrary"));
-    if (anchor.get() == nullptr) {
+// Any of the library's Java classes will do as the anchor: the app may load
+// the library from its own class rather than through NativeLibrary.
+jclass findAnchorClass(JNIEnv* env) {
+    static const char* const kAnchors[] = {"com/lumeric/util/NativeLibrary", "com/lumeric/filter/QImage",
+                                           "com/lumeric/util/FilterEngineJNILib"};
+    for (const char* name : kAnchors) {
+        jclass found = env->FindClass(name);
+        if (found != nullptr) return found;
         env->ExceptionClear();
-        return;
     }
+    return nullptr;
+}
+
+void rememberLoader(JNIEnv* env) {
+    LocalRef<jclass> anchor(env, findAnchorClass(env));
+    if (anchor.get() == nullptr) return;
     LocalRef<jclass> classClass(env, env->GetObjectClass(anchor.get()));
     jmethodID getLoader =
         env->GetMethodID(classClass.get(), "getClassLoader", "()Ljava/lang/ClassLoader;");
