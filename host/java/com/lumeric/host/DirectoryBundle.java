@@ -5,7 +5,9 @@ import android.graphics.Bitmap;
 import com.lumeric.filter.QImage;
 import com.lumeric.util.BundleSource;
 
+import java.awt.color.ColorSpace;
 import java.awt.image.BufferedImage;
+import java.awt.image.Raster;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -67,10 +69,34 @@ public final class DirectoryBundle implements BundleSource {
     public static QImage toQImage(BufferedImage image) {
         int w = image.getWidth();
         int h = image.getHeight();
-        int[] argb = image.getRGB(0, 0, w, h, null, 0, w);
+        int[] argb = argbPixels(image);
         Bitmap bitmap = Bitmap.createBitmap(w, h, Bitmap.Config.ARGB_8888);
         bitmap.setPixels(argb, 0, w, 0, 0, w, h);
         return new QImage().Bitmap2QImage(bitmap);
+    }
+
+    /**
+     * 0xAARRGGBB per pixel as a device decoder gives it. Gray images keep
+     * their stored levels: getRGB would map them from linear gray to sRGB.
+     */
+    private static int[] argbPixels(BufferedImage image) {
+        int w = image.getWidth();
+        int h = image.getHeight();
+        if (image.getColorModel().getColorSpace().getType() != ColorSpace.TYPE_GRAY) {
+            return image.getRGB(0, 0, w, h, null, 0, w);
+        }
+        Raster raster = image.getRaster();
+        int shift = Math.max(0, image.getColorModel().getComponentSize(0) - 8);
+        boolean alpha = raster.getNumBands() > 1;
+        int[] argb = new int[w * h];
+        for (int y = 0; y < h; y++) {
+            for (int x = 0; x < w; x++) {
+                int g = raster.getSample(x, y, 0) >> shift;
+                int a = alpha ? raster.getSample(x, y, 1) >> shift : 255;
+                argb[y * w + x] = a << 24 | g << 16 | g << 8 | g;
+            }
+        }
+        return argb;
     }
 
     private Path resolve(String path) {

@@ -1,0 +1,92 @@
+package com.lumeric.tools;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assumptions.assumeTrue;
+
+import com.lumeric.filter.FilterWraper;
+import com.lumeric.filter.GLSLRender;
+import com.lumeric.filter.QImage;
+import com.lumeric.host.DirectoryBundle;
+import com.lumeric.host.HostGL;
+import com.lumeric.util.FilterEngineJNILib;
+import java.awt.image.BufferedImage;
+import java.io.File;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.Paths;
+import javax.imageio.ImageIO;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+
+/**
+ * `filterpack render` must draw exactly what the app draws: the same sample
+ * packages, once through the tool and once through the Java API the app uses
+ * (QImage upload, FilterWraper, read-back), compared byte for byte.
+ */
+class FilterpackMatchesAppPathTest {
+    private static final int W = 24;
+    private static final int H = 16;
+
+    @TempDir Path dir;
+
+    @Test
+    void toolAndAppRenderTheSamePixels() throws Exception {
+        Path tool = Paths.get(System.getProperty("com.lumeric.filterpack", ""));
+        Path packages = Paths.get(System.getProperty("com.lumeric.packages", ""));
+        assumeTrue(Files.isExecutable(tool), "filterpack not built");
+
+        BufferedImage input = gradient();
+        File inputPng = dir.resolve("in.png").toFile();
+        ImageIO.write(input, "png", inputPng);
+        FilterEngineJNILib.setBundle(new DirectoryBundle(packages));
+        try (HostGL gl = HostGL.create(64, 64); QImage image = DirectoryBundle.toQImage(input)) {
+            for (String name : new String[] {"mono", "film_grain", "dreamy"}) {
+                File toolPng = dir.resolve(name + ".png").toFile();
+                Process run = new ProcessBuilder(tool.toString(), "render", packages.toString(), name,
+                        inputPng.toString(), toolPng.toString()).redirectErrorStream(true).start();
+                String log = new String(run.getInputStream().readAllBytes());
+                assertEquals(0, run.waitFor(), name + ": " + log);
+                assertArrayEquals(rgba(ImageIO.read(toolPng)), renderInJava(image, name), name);
+            }
+        } finally {
+            FilterEngineJNILib.setBundle(null);
+        }
+    }
+
+    private static byte[] renderInJava(QImage image, String name) {
+        int texture = 700;  // any unused name: GL ES creates it on first bind
+        GLSLRender.nativeTextImage(image, texture);
+        try (FilterWraper filter = new FilterWraper(name)) {
+            filter.render(texture, W, H);
+            byte[] out = new byte[W * H * 4];
+            GLSLRender.nativeCopyTexturToDataWithShare(filter.outputTexture(), out, W, H, 4);
+            return out;
+        }
+    }
+
+    private static BufferedImage gradient() {
+        BufferedImage image = new BufferedImage(W, H, BufferedImage.TYPE_INT_ARGB);
+        for (int y = 0; y < H; y++) {
+            for (int x = 0; x < W; x++) {
+                image.setRGB(x, y, 0xFF000000 | (x * 10) << 16 | (y * 15) << 8 | ((x + y) * 6));
+            }
+        }
+        return image;
+    }
+
+    private static byte[] rgba(BufferedImage image) {
+        byte[] out = new byte[W * H * 4];
+        for (int y = 0; y < H; y++) {
+            for (int x = 0; x < W; x++) {
+                int p = image.getRGB(x, y);
+                int i = (y * W + x) * 4;
+                out[i] = (byte) (p >> 16);
+                out[i + 1] = (byte) (p >> 8);
+                out[i + 2] = (byte) p;
+                out[i + 3] = (byte) (p >>> 24);
+            }
+        }
+        return out;
+    }
+}
