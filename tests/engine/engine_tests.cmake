@@ -3,7 +3,6 @@
 ifc_add_gtest(engine_tests
   cpu_filter_test.cc
   filter_object_test.cc
-  recording_filter.cc
   shared_ptr_test.cc)
 ifc_add_gtest(engine_gl_tests GL
   texture_test.cc)

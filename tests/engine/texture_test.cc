@@ -9,6 +9,7 @@
 
 namespace {
 
+using gltest::glInteger;
 using gltest::readTexture;
 
 GLint parameterOf(GLuint texture, GLenum name) {
@@ -16,12 +17,6 @@ GLint parameterOf(GLuint texture, GLenum name) {
     glBindTexture(GL_TEXTURE_2D, texture);
     glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
     glBindTexture(GL_TEXTURE_2D, 0);
-    return value;
-}
-
-GLint integer(GLenum name) {
-    GLint value = 0;
-    glGetIntegerv(name, &value);
     return value;
 }
 
@@ -50,8 +45,8 @@ TEST_F(TextureTest, WrappingABorrowedNameAppliesOptionsAndNeverDeletesIt) {
         // Recording the size keeps the caller's pixels, yet leaves the name
         // bound on unit 3 like a resize of an owned texture.
         texture->resize(2, 2);
-        EXPECT_EQ(GL_TEXTURE3, integer(GL_ACTIVE_TEXTURE));
-        EXPECT_EQ(static_cast<GLint>(name), integer(GL_TEXTURE_BINDING_2D));
+        EXPECT_EQ(GL_TEXTURE3, glInteger(GL_ACTIVE_TEXTURE));
+        EXPECT_EQ(static_cast<GLint>(name), glInteger(GL_TEXTURE_BINDING_2D));
         glBindTexture(GL_TEXTURE_2D, 0);
         glActiveTexture(GL_TEXTURE0);
     }
@@ -92,8 +87,8 @@ TEST_F(TextureTest, SetImageUploadsByChannelCountOnUnitThree) {
 
         EXPECT_EQ(c.format, texture->textureOptions().internalFormat);
         EXPECT_EQ(HFSize({2, 2}), texture->size());
-        EXPECT_EQ(GL_TEXTURE3, integer(GL_ACTIVE_TEXTURE));
-        EXPECT_EQ(0, integer(GL_TEXTURE_BINDING_2D));
+        EXPECT_EQ(GL_TEXTURE3, glInteger(GL_ACTIVE_TEXTURE));
+        EXPECT_EQ(0, glInteger(GL_TEXTURE_BINDING_2D));
         // Luminance textures cannot be framebuffer attachments; RGBA ones are
         // read back (three-channel rows are taken as four-channel ones).
         if (c.format == GL_RGBA) EXPECT_EQ(std::vector<unsigned char>(16, 200), readTexture(texture->glTexture(), 2, 2));
@@ -111,7 +106,7 @@ TEST_F(TextureTest, SetImageUploadsByChannelCountOnUnitThree) {
 TEST_F(TextureTest, ResizeOfAnOwnedTextureRespecifiesOnlyForANewNonZeroSize) {
     shared_ptr<HFGLTexture> texture = HFGLTexture::createTexture(0u, defaultTextureOptions);
     texture->resize(4, 3);
-    EXPECT_EQ(static_cast<GLint>(texture->glTexture()), integer(GL_TEXTURE_BINDING_2D));  // left bound on unit 3
+    EXPECT_EQ(static_cast<GLint>(texture->glTexture()), glInteger(GL_TEXTURE_BINDING_2D));  // left bound on unit 3
     texture->resize(0, 8);
     texture->resize(8, 0);
     EXPECT_EQ(HFSize({4, 3}), texture->size());

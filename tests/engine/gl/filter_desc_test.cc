@@ -17,6 +17,7 @@
 
 namespace {
 
+using gltest::glInteger;
 using gltest::kSwapFragment;
 using gltest::kUniformFragment;
 using gltest::kVertex;
@@ -146,15 +147,9 @@ TEST_F(FilterDescTest, ParamsParseByTypeAndDropTheUnsupported) {
     EXPECT_EQ(255.0f / 256.0f, paramAt<HFCurveParam>(node, 3)->values[255]) << "capped at 256 entries";
 }
 
-GLint integer(GLenum name) {
-    GLint value = 0;
-    glGetIntegerv(name, &value);
-    return value;
-}
-
 GLint boundOnUnit(GLenum unit) {
     glActiveTexture(unit);
-    return integer(GL_TEXTURE_BINDING_2D);
+    return glInteger(GL_TEXTURE_BINDING_2D);
 }
 
 // What a wrapper's frame leaves bound: inputs on units 2 up, the last
@@ -175,13 +170,13 @@ TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
         SCOPED_TRACE(frame);
         wraper.renderTexture(static_cast<int>(input), 4, 4);
         const GLint output = wraper.outputTexture();
-        EXPECT_EQ(GL_TEXTURE2, integer(GL_ACTIVE_TEXTURE));
+        EXPECT_EQ(GL_TEXTURE2, glInteger(GL_ACTIVE_TEXTURE));
         EXPECT_FALSE(glIsEnabled(GL_BLEND));
         GLint viewport[4] = {};
         glGetIntegerv(GL_VIEWPORT, viewport);
         EXPECT_EQ(4, viewport[2]);
         EXPECT_EQ(4, viewport[3]);
-        EXPECT_NE(0, integer(GL_FRAMEBUFFER_BINDING));
+        EXPECT_NE(0, glInteger(GL_FRAMEBUFFER_BINDING));
         GLint attached = 0;
         glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
                                               GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &attached);

@@ -57,6 +57,12 @@ inline _Image* makeRGBA(int width, int height, const std::vector<unsigned char>&
     return image;
 }
 
+inline GLint glInteger(GLenum name) {
+    GLint value = 0;
+    glGetIntegerv(name, &value);
+    return value;
+}
+
 // RGBA bytes of a texture's level 0, read through a framebuffer of our own.
 inline std::vector<unsigned char> readTexture(GLuint texture, int width, int height) {
     GLuint framebuffer = 0;
