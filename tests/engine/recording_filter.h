@@ -10,17 +10,15 @@
 
 using Journal = std::vector<std::string>;
 
-// A texture known by a label; counts live instances.
+// A texture known by a label.
 class LabelTexture : public IHFTexture {
 public:
-    explicit LabelTexture(std::string label) : label(std::move(label)) { ++live; }
-    ~LabelTexture() override { --live; }
+    explicit LabelTexture(std::string label) : label(std::move(label)) {}
     void setImage(_Image*) override {}
     _Image* image() override { return nullptr; }
     void* userData() override { return nullptr; }
 
     std::string label;
-    static int live;
 };
 
 inline std::string labelOf(const shared_ptr<IHFTexture>& texture) {
@@ -32,11 +30,8 @@ class RecordingFilter : public IHFFilter {
 public:
     RecordingFilter(std::string name, Journal* journal, HFSize size = HFSize{4, 2})
         : name(std::move(name)), journal(journal), size(size),
-          output(new LabelTexture(this->name + ".out")) {
-        ++live;
-    }
+          output(new LabelTexture(this->name + ".out")) {}
     ~RecordingFilter() override {
-        --live;
         if (destroyed != nullptr) destroyed->push_back(name);
     }
 
@@ -73,7 +68,6 @@ public:
     shared_ptr<IHFTexture> output;
     shared_ptr<IHFTexture> inputs[4];
     Journal* destroyed = nullptr;
-    static int live;
 
 private:
     void log(const std::string& what) { journal->push_back(name + ": " + what); }

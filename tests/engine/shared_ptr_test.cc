@@ -32,66 +32,37 @@ TEST_F(SharedPtrTest, EmptyHandlesAllocateNothing) {
     EXPECT_EQ(nullptr, copy.count);
     EXPECT_EQ(nullptr, fromNull.count);
     copy.release();
-    EXPECT_EQ(nullptr, copy.ptr);
     EXPECT_EQ(0, Base::destroyed);
 }
 
-TEST_F(SharedPtrTest, LastReleaseDestroysObjectAndCount) {
-    Base* object = new Base();
-    shared_ptr<Base> first(object);
-    ASSERT_NE(nullptr, first.count);
-    EXPECT_EQ(1, *first.count);
-    {
-        shared_ptr<Base> second(first);
-        shared_ptr<Base> third;
-        third = second;
-        EXPECT_EQ(3, *first.count);
-        EXPECT_EQ(first.count, third.count);
-        EXPECT_EQ(object, third.ptr);
-    }
-    EXPECT_EQ(1, *first.count);
-    EXPECT_EQ(0, Base::destroyed);
-    first.release();
-    EXPECT_EQ(1, Base::destroyed);
-    EXPECT_EQ(nullptr, first.ptr);
-    EXPECT_EQ(nullptr, first.count);
-}
-
-TEST_F(SharedPtrTest, AssignmentReleasesTheOldValueAndSurvivesSelfAssignment) {
-    shared_ptr<Base> a(new Base());
-    shared_ptr<Base> b(new Base());
-    a = b;
-    EXPECT_EQ(1, Base::destroyed);
-    EXPECT_EQ(2, *b.count);
-    a = a;
-    EXPECT_EQ(2, *b.count);
-    a = shared_ptr<Base>();
-    EXPECT_EQ(1, *b.count);
-    EXPECT_EQ(1, Base::destroyed);
-}
-
-TEST_F(SharedPtrTest, ConversionsShareOneCount) {
+TEST_F(SharedPtrTest, CopiesAssignmentsAndConversionsShareOneCount) {
     shared_ptr<Derived> derived(new Derived());
-    shared_ptr<Base> base = derived;
-    EXPECT_EQ(derived.count, base.count);
-    EXPECT_EQ(2, *base.count);
-
-    shared_ptr<Derived> back(base);
-    EXPECT_EQ(42, back->value);
-    EXPECT_EQ(3, *back.count);
-
-    derived.release();
-    base.release();
+    ASSERT_EQ(1, *derived.count);
+    {
+        shared_ptr<Base> base = derived;
+        shared_ptr<Base> assigned;
+        assigned = base;
+        assigned = assigned;
+        EXPECT_EQ(derived.count, assigned.count);
+        EXPECT_EQ(3, *derived.count);
+        shared_ptr<Derived> back(assigned);  // base to derived, unchecked
+        EXPECT_EQ(42, back->value);
+        EXPECT_EQ(4, *derived.count);
+    }
+    EXPECT_EQ(1, *derived.count);
     EXPECT_EQ(0, Base::destroyed);
-    back.release();
-    EXPECT_EQ(1, Base::destroyed);
-}
 
-TEST_F(SharedPtrTest, MoveLeavesTheSourceEmpty) {
-    shared_ptr<Base> a(new Base());
-    shared_ptr<Base> b(std::move(a));
-    EXPECT_EQ(nullptr, a.count);
-    EXPECT_EQ(1, *b.count);
+    shared_ptr<Base> other(new Base());
+    other = derived;  // releases the old value
+    EXPECT_EQ(1, Base::destroyed);
+    shared_ptr<Base> moved(std::move(other));
+    EXPECT_EQ(nullptr, other.count);
+    EXPECT_EQ(2, *moved.count);
+    moved.release();
+    derived.release();
+    EXPECT_EQ(2, Base::destroyed);
+    EXPECT_EQ(nullptr, derived.ptr);
+    EXPECT_EQ(nullptr, derived.count);
 }
 
 }  // namespace

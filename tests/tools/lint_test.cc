@@ -90,12 +90,6 @@ protected:
         }
         ADD_FAILURE() << "no error in " << file << " with \"" << words << "\"; findings:\n" << all;
     }
-
-    Files with(const std::string& path, const std::string& content) {
-        Files files = cleanBundle();
-        files[path] = content;
-        return files;
-    }
 };
 
 TEST_F(LintTest, CleanModelHasNoFinding) {
@@ -103,15 +97,85 @@ TEST_F(LintTest, CleanModelHasNoFinding) {
     for (const Finding& finding : findings) ADD_FAILURE() << filterpack::formatFinding(finding);
 }
 
-TEST_F(LintTest, ReportsBrokenPackageFilesAndIncludes) {
-    expectError(lint(with("filter/look/filter.xml", "<model><filter include=\"dots\"></model>")),
-                "filter/look/filter.xml", "not well-formed XML");
-    expectError(lint(with("filter/look/filter.xml", "<model><filter include=\"nowhere\"/></model>")),
-                "filter/nowhere/filter.xml", "missing from the bundle");
-    expectError(lint(with("filter/look/filter.xml", "<looks/>")), "filter/look/filter.xml",
-                "the root must be <model> or <filter>");
-    expectError(lint(with("filter/look/filter.xml", "<model/>")), "filter/look/filter.xml",
-                "at least one <filter>");
+std::string leafWith(const std::string& param) {
+    std::string leaf = kBlendLeaf;
+    return leaf.insert(leaf.find("</filter>"), param);
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+}
+
+// Each case replaces one file of the clean bundle ("" deletes it) and expects
+// an error whose text holds `words`, in `file` or else in the replaced file.
+struct Breakage {
+    const char* path;
+    std::string content;
+    const char* words;
+    const char* file = nullptr;
+};
+
+TEST_F(LintTest, ReportsEachKindOfBrokenPackage) {
+    const char* model = "filter/look/filter.xml";
+    const char* leaf = "filter/dots/filter.xml";
+    const char* copy = "filter/gl/copy.xml";
+    std::string widthAsFloat = kBlendFragment;  // the engine sets width with glUniform1i
+    widthAsFloat.insert(widthAsFloat.find("void main"), "uniform float width;\n");
+    widthAsFloat.insert(widthAsFloat.rfind('}'), "gl_FragColor.a *= width;\n");
+    const std::string twoChildren = "<model><filter include=\"dots\"/><filter implement=\"copy\"/>";
+    const std::string cpu = "<filter implement=\"Curve2D\" prefer=\"CPU\"/>";
+    const Breakage cases[] = {
+        {model, "<model><filter include=\"dots\"></model>", "not well-formed XML"},
+        {model, "<model><filter include=\"nowhere\"/></model>", "missing from the bundle", "filter/nowhere/filter.xml"},
+        {model, "<looks/>", "the root must be <model> or <filter>"},
+        {model, "<model/>", "at least one <filter>"},
+        {copy, "<glfilter><fragment>x</fragment></glfilter>", "has no <vertex> source"},
+        {copy, "<glfilter><vertex>x</vertex></glfilter>", "has no <fragment> source"},
+        {copy, "", "missing from the bundle"},
+        {copy, "", "filter/gl/copy.xml is not usable", model},
+        {copy, tooltest::glDescription("mee12x"), "deciphers to nothing"},
+        {copy, tooltest::glDescription("aes0a1"), "hex payload"},
+        {copy, tooltest::glDescription("\n" + sealedHfe(kPlainFragment)), "white space before the protected text"},
+        {copy, tooltest::glDescription(sealedHfe("void main() { oops; }")), "does not compile"},
+        // The fragment reads a varying the vertex shader never writes.
+        {copy,
+         tooltest::glDescription("precision mediump float; varying vec2 elsewhere; uniform sampler2D "
+                                 "inputImageTexture; void main() { gl_FragColor = texture2D(inputImageTexture, "
+                                 "elsewhere); }"),
+         "do not link"},
+        {"filter/gl/blend.xml", tooltest::glDescription(sealedHfe(widthAsFloat)), "uniform width must be a int"},
+        {leaf, leafWith("<param><name>tint</name><float>1</float></param>"), "no uniform tint in filter/gl/blend.xml"},
+        {leaf, leafWith("<param><name>amount</name><vector3f/></param>"), "type vector3f is not supported"},
+        {leaf, leafWith("<param><name>amount</name><colour/></param>"), "unknown param type <colour>"},
+        {leaf, leafWith("<param><value>1</value></param>"), "the first child must be <name>"},
+        {leaf, leafWith("<param><name>tone</name><curve>1,2</curve></param>"), "uniform tone must be a float array"},
+        {leaf, leafWith("<param><name>amount</name><float>half</float></param>"), "float value is not a number"},
+        {leaf, replaced(kBlendLeaf, "dots.png", "gone.png"), "image filter/dots/gone.png cannot be read"},
+        {leaf, replaced(kBlendLeaf, "<name>1<", "<name>grain<"), "the input slot it feeds"},
+        {leaf, replaced(kBlendLeaf, "<name>1<", "<name>2<"), "no sampler2D inputImageTexture3"},
+        {model, twoChildren + "<relation output=\"2\" input=\"1\" index=\"0\"/></model>", "output 2 names no child"},
+        {model, twoChildren + "<relation output=\"0\" input=\"2\" index=\"0\"/></model>", "one past the last child"},
+        {model, "<model><filter include=\"dots\"/><relation input=\"0\" index=\"1\"/></model>",
+         "missing attribute output"},
+        // A CPU filter leaves no GL texture: it may feed nobody and cannot come last.
+        {model, "<model>" + cpu + "<filter implement=\"copy\"/></model>",
+         "child 0 leaves no GL texture, yet feeds child 1 input 0"},
+        {model, "<model><filter implement=\"copy\"/>" + cpu + "</model>",
+         "the last filter of a model must leave a GL texture"},
+        {model,
+         "<model><filter implement=\"copy\"/><filter implement=\"Sharpen\" prefer=\"CPU\"/>"
+         "<filter implement=\"copy\"/><relation output=\"0\" input=\"2\" index=\"0\"/></model>",
+         "no CPU filter function is registered as \"Sharpen\""},
+    };
+    for (const Breakage& c : cases) {
+        Files files = cleanBundle();
+        if (c.content.empty()) {
+            files.erase(c.path);
+        } else {
+            files[c.path] = c.content;
+        }
+        expectError(lint(files), c.file != nullptr ? c.file : c.path, c.words);
+    }
 }
 
 TEST_F(LintTest, FollowsAnIncludeCycleOnceAndNamesIt) {
@@ -119,96 +183,7 @@ TEST_F(LintTest, FollowsAnIncludeCycleOnceAndNamesIt) {
     files["filter/look/filter.xml"] = "<model><filter include=\"loop_a\"/></model>";
     files["filter/loop_a/filter.xml"] = "<model><filter include=\"loop_b\"/></model>";
     files["filter/loop_b/filter.xml"] = "<model><filter include=\"loop_a\"/><filter implement=\"copy\"/></model>";
-    const std::vector<Finding> findings = lint(files);
-    expectError(findings, "filter/loop_b/filter.xml", "include cycle: loop_a -> loop_b -> loop_a");
-}
-
-TEST_F(LintTest, ReportsGLDescriptionsWithoutUsableShaders) {
-    expectError(lint(with("filter/gl/copy.xml", "<glfilter><fragment>x</fragment></glfilter>")),
-                "filter/gl/copy.xml", "has no <vertex> source");
-    expectError(lint(with("filter/gl/copy.xml", std::string("<glfilter><vertex><![CDATA[") + tooltest::kQuadVertex +
-                                                    "]]></vertex></glfilter>")),
-                "filter/gl/copy.xml", "has no <fragment> source");
-    Files files = cleanBundle();
-    files.erase("filter/gl/copy.xml");
-    expectError(lint(files), "filter/gl/copy.xml", "missing from the bundle");
-    expectError(lint(files), "filter/look/filter.xml", "filter/gl/copy.xml is not usable");
-}
-
-TEST_F(LintTest, ReportsShadersThatDoNotDecipherCompileOrLink) {
-    expectError(lint(with("filter/gl/copy.xml", tooltest::glDescription("mee12x"))), "filter/gl/copy.xml",
-                "deciphers to nothing");
-    expectError(lint(with("filter/gl/copy.xml", tooltest::glDescription("aes0a1"))), "filter/gl/copy.xml",
-                "hex payload");
-    expectError(lint(with("filter/gl/copy.xml", tooltest::glDescription("\n" + sealedHfe(kPlainFragment)))),
-                "filter/gl/copy.xml", "white space before the protected text");
-    expectError(lint(with("filter/gl/copy.xml", tooltest::glDescription(sealedHfe("void main() { oops; }")))),
-                "filter/gl/copy.xml", "does not compile");
-    // The fragment reads a varying the vertex shader never writes.
-    const std::string unlinked =
-        "precision mediump float; varying vec2 elsewhere; uniform sampler2D inputImageTexture;"
-        "void main() { gl_FragColor = texture2D(inputImageTexture, elsewhere); }";
-    expectError(lint(with("filter/gl/copy.xml", tooltest::glDescription(unlinked))), "filter/gl/copy.xml",
-                "do not link");
-}
-
-TEST_F(LintTest, ReportsParamsTheShaderCannotTake) {
-    auto leafWith = [](const std::string& param) {
-        std::string leaf = kBlendLeaf;
-        return leaf.insert(leaf.find("</filter>"), param);
-    };
-    expectError(lint(with("filter/dots/filter.xml", leafWith("<param><name>tint</name><float>1</float></param>"))),
-                "filter/dots/filter.xml", "no uniform tint in filter/gl/blend.xml");
-    expectError(lint(with("filter/dots/filter.xml", leafWith("<param><name>amount</name><vector3f/></param>"))),
-                "filter/dots/filter.xml", "type vector3f is not supported");
-    expectError(lint(with("filter/dots/filter.xml", leafWith("<param><name>amount</name><colour/></param>"))),
-                "filter/dots/filter.xml", "unknown param type <colour>");
-    expectError(lint(with("filter/dots/filter.xml", leafWith("<param><value>1</value></param>"))),
-                "filter/dots/filter.xml", "the first child must be <name>");
-    expectError(lint(with("filter/dots/filter.xml", leafWith("<param><name>tone</name><curve>1,2</curve></param>"))),
-                "filter/dots/filter.xml", "uniform tone must be a float array");
-    expectError(lint(with("filter/dots/filter.xml", leafWith("<param><name>amount</name><float>half</float></param>"))),
-                "filter/dots/filter.xml", "float value is not a number");
-    // The engine sets width with glUniform1i.
-    std::string fragment = kBlendFragment;
-    fragment.insert(fragment.find("void main"), "uniform float width;\n");
-    fragment.insert(fragment.rfind('}'), "gl_FragColor.a *= width;\n");
-    expectError(lint(with("filter/gl/blend.xml", tooltest::glDescription(sealedHfe(fragment)))), "filter/gl/blend.xml",
-                "uniform width must be a int");
-}
-
-TEST_F(LintTest, ReportsImageParamsWithoutFileOrSlot) {
-    std::string leaf = kBlendLeaf;
-    const std::string file = "<image>dots.png</image>";
-    expectError(lint(with("filter/dots/filter.xml", std::string(leaf).replace(leaf.find(file), file.size(),
-                                                                              "<image>gone.png</image>"))),
-                "filter/dots/filter.xml", "image filter/dots/gone.png cannot be read");
-    expectError(lint(with("filter/dots/filter.xml", std::string(leaf).replace(leaf.find("<name>1<"), 8, "<name>grain<"))),
-                "filter/dots/filter.xml", "the input slot it feeds");
-    expectError(lint(with("filter/dots/filter.xml", std::string(leaf).replace(leaf.find("<name>1<"), 8, "<name>2<"))),
-                "filter/dots/filter.xml", "no sampler2D inputImageTexture3");
-}
-
-TEST_F(LintTest, ReportsWiringTheEngineIgnoresOrCannotRender) {
-    const std::string model = "filter/look/filter.xml";
-    expectError(lint(with(model, "<model><filter include=\"dots\"/><filter implement=\"copy\"/>"
-                                 "<relation output=\"2\" input=\"1\" index=\"0\"/></model>")),
-                model, "output 2 names no child");
-    expectError(lint(with(model, "<model><filter include=\"dots\"/><filter implement=\"copy\"/>"
-                                 "<relation output=\"0\" input=\"2\" index=\"0\"/></model>")),
-                model, "one past the last child");
-    expectError(lint(with(model, "<model><filter include=\"dots\"/><relation input=\"0\" index=\"1\"/></model>")),
-                model, "missing attribute output");
-    // A CPU filter leaves no GL texture: it may feed nobody and cannot come last.
-    expectError(lint(with(model, "<model><filter implement=\"Curve2D\" prefer=\"CPU\"/><filter implement=\"copy\"/>"
-                                 "</model>")),
-                model, "child 0 leaves no GL texture, yet feeds child 1 input 0");
-    expectError(lint(with(model, "<model><filter implement=\"copy\"/><filter implement=\"Curve2D\" prefer=\"CPU\"/>"
-                                 "</model>")),
-                model, "the last filter of a model must leave a GL texture");
-    expectError(lint(with(model, "<model><filter implement=\"copy\"/><filter implement=\"Sharpen\" prefer=\"CPU\"/>"
-                                 "<filter implement=\"copy\"/><relation output=\"0\" input=\"2\" index=\"0\"/></model>")),
-                model, "no CPU filter function is registered as \"Sharpen\"");
+    expectError(lint(files), "filter/loop_b/filter.xml", "include cycle: loop_a -> loop_b -> loop_a");
 }
 
 TEST_F(LintTest, CommandPrintsEveryFindingAndFailsOnErrors) {

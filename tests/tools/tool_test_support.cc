@@ -9,12 +9,15 @@
 #include <fstream>
 
 namespace tooltest {
+namespace {
 
 const char kQuadVertex[] =
     "attribute vec4 position;\n"
     "attribute vec4 inputTextureCoordinate;\n"
     "varying vec2 uv;\n"
     "void main() { gl_Position = position; uv = inputTextureCoordinate.xy; }\n";
+
+}  // namespace
 
 ScratchBundle::ScratchBundle() {
     std::string pattern = (std::filesystem::temp_directory_path() / "filterpack-XXXXXX").string();

@@ -30,10 +30,8 @@ struct CommandResult {
 // Runs `filterpack` with the given argument text.
 CommandResult runFilterpack(const std::string& arguments);
 
-// A pass-through vertex shader with the attributes the engine feeds.
-extern const char kQuadVertex[];
-
-// A one-pass GL description whose fragment source is `fragment` as written.
+// A one-pass GL description over a pass-through vertex shader, whose
+// fragment source is `fragment` as written.
 std::string glDescription(const std::string& fragment);
 
 }  // namespace tooltest

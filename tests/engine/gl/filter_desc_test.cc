@@ -17,12 +17,12 @@
 
 namespace {
 
+using gltest::glInteger;
 using gltest::kSwapFragment;
 using gltest::kUniformFragment;
 using gltest::kVertex;
 
-// A scratch bundle directory whose reads are counted; RGBA images are held
-// in memory (one row each).
+// A scratch bundle directory whose reads are counted.
 class CountingBundle : public HFDirectoryResourceProvider {
 public:
     explicit CountingBundle(const std::string& root) : HFDirectoryResourceProvider(root) {}
@@ -30,12 +30,7 @@ public:
         ++reads[path];
         return HFDirectoryResourceProvider::loadData(path);
     }
-    _Image* loadRGBA(const char* path) override {
-        auto found = images.find(path);
-        return found == images.end() ? nullptr : gltest::makeRGBA(found->second.size() / 4, 1, found->second);
-    }
     std::map<std::string, int> reads;
-    std::map<std::string, std::vector<unsigned char>> images;
 };
 
 std::string element(const char* tag, const std::string& text) {
@@ -105,18 +100,6 @@ TEST_F(FilterDescTest, DescriptionIsReadOnceRepeatsItsFirstVertexAndDrawsOnePass
     EXPECT_GE(gl->program(0)->uniformLocation("amount"), 0) << "built from the first fragment";
 }
 
-TEST_F(FilterDescTest, MissingOrVertexlessDescriptionsBuildNothing) {
-    describe("novertex", element("fragment", kSwapFragment));
-    const std::string log = captureStderr([&] {
-        EXPECT_FALSE(leaf("<filter implement='nosuch'/>")->createFilter());
-        EXPECT_FALSE(leaf("<filter implement='nosuch'/>")->createFilter());
-        EXPECT_FALSE(leaf("<filter implement='novertex'/>")->createFilter());
-    });
-    EXPECT_NE(std::string::npos, log.find("filter/gl/nosuch.xml"));
-    EXPECT_NE(std::string::npos, log.find("filter/gl/novertex.xml"));
-    EXPECT_EQ(1, bundle.reads["filter/gl/nosuch.xml"]) << "a failed description is cached too";
-}
-
 TEST_F(FilterDescTest, AnythingButExactlyGPUSelectsTheCPU) {
     EXPECT_FALSE(leaf("<filter implement='Curve2D'/>")->preferCPU);
     EXPECT_FALSE(leaf("<filter implement='Curve2D' prefer='GPU'/>")->preferCPU);
@@ -164,32 +147,58 @@ TEST_F(FilterDescTest, ParamsParseByTypeAndDropTheUnsupported) {
     EXPECT_EQ(255.0f / 256.0f, paramAt<HFCurveParam>(node, 3)->values[255]) << "capped at 256 entries";
 }
 
-TEST_F(FilterDescTest, PackageLeafAppliesItsParamsInOrder) {
-    describe("swap", element("vertex", kVertex) + element("fragment", kUniformFragment));
-    write("filter/softpkg/filter.xml", "<filter implement='swap' prefer='GPU'>" + param("amount", "float", "0.25") +
-                                           param("tint", "vector4f", element("number", "0.5")) +
-                                           param("1", "image", "grain.png") + param("2", "image", "gone.png") +
-                                           "</filter>");
-    bundle.images["filter/softpkg/grain.png"] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-    shared_ptr<IHFFilter> filter = HFFilterWraper::loadFilterPackage("softpkg");
-    auto* gl = dynamic_cast<HFGLFilter*>(filter.get());
-    ASSERT_NE(nullptr, gl);
-    const GLuint program = gl->program(0)->program;
-    float values[4];
-    glGetUniformfv(program, glGetUniformLocation(program, "amount"), values);
-    EXPECT_EQ(0.25f, values[0]);
-    glGetUniformfv(program, glGetUniformLocation(program, "tint"), values);
-    EXPECT_EQ(0.5f, values[0]);
-    EXPECT_EQ(0.0f, values[1]);
+GLint boundOnUnit(GLenum unit) {
+    glActiveTexture(unit);
+    return glInteger(GL_TEXTURE_BINDING_2D);
+}
 
-    // Image names are input slots; files are looked up inside the package.
-    HFGLTexture* grain = static_cast<HFGLTexture*>(filter->getInputTexture(1).get());
-    ASSERT_NE(nullptr, grain);
-    EXPECT_EQ(HFSize({3, 1}), grain->size());
-    EXPECT_EQ(glGetUniformLocation(program, "inputImageTexture2"), gl->samplerLocation(1));
-    HFGLTexture* gone = static_cast<HFGLTexture*>(filter->getInputTexture(2).get());
-    ASSERT_NE(nullptr, gone);
-    EXPECT_EQ(HFSize({0, 0}), gone->size());
+// What a wrapper's frame leaves bound: inputs on units 2 up, the last
+// upload/resize on unit 3, the filter's own framebuffer and viewport,
+// blending off.
+TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
+    describe("frameswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
+    write("filter/frame1/filter.xml", "<filter implement='frameswap'/>");
+    GLuint input = 0;
+    glGenTextures(1, &input);
+    glBindTexture(GL_TEXTURE_2D, input);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 4, 4, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glBindTexture(GL_TEXTURE_2D, 0);
+
+    HFFilterWraper wraper("frame1");
+    glEnable(GL_BLEND);
+    for (int frame = 0; frame < 2; ++frame) {
+        SCOPED_TRACE(frame);
+        wraper.renderTexture(static_cast<int>(input), 4, 4);
+        const GLint output = wraper.outputTexture();
+        EXPECT_EQ(GL_TEXTURE2, glInteger(GL_ACTIVE_TEXTURE));
+        EXPECT_FALSE(glIsEnabled(GL_BLEND));
+        GLint viewport[4] = {};
+        glGetIntegerv(GL_VIEWPORT, viewport);
+        EXPECT_EQ(4, viewport[2]);
+        EXPECT_EQ(4, viewport[3]);
+        EXPECT_NE(0, glInteger(GL_FRAMEBUFFER_BINDING));
+        GLint attached = 0;
+        glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
+                                              GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &attached);
+        EXPECT_EQ(output, attached);
+        EXPECT_EQ(0, boundOnUnit(GL_TEXTURE0));
+        EXPECT_EQ(0, boundOnUnit(GL_TEXTURE1));
+        EXPECT_EQ(static_cast<GLint>(input), boundOnUnit(GL_TEXTURE2));
+        // The first frame sizes the output last; later frames only record the
+        // caller's size, which binds the caller's texture there.
+        EXPECT_EQ(frame == 0 ? output : static_cast<GLint>(input), boundOnUnit(GL_TEXTURE3));
+    }
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glActiveTexture(GL_TEXTURE0);
+
+    // A package whose last filter runs on the CPU has no GL output.
+    write("filter/cpulast1/filter.xml", "<filter implement='Curve2D' prefer='CPU'/>");
+    HFFilterWraper cpuLast("cpulast1");
+    ASSERT_TRUE(cpuLast.hasFilter());
+    cpuLast.renderTexture(static_cast<int>(input), 4, 4);
+    EXPECT_EQ(0, cpuLast.outputTexture());
+    glDeleteTextures(1, &input);
+    EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError());
 }
 
 }  // namespace

@@ -53,16 +53,13 @@ TEST_F(GLFilterRecordTest, FramebufferAttachesOnUnitOneIgnoresZeroSizesAndCleans
     shared_ptr<GLFilterFBO> fbo = GLFilterFBO::create();
     fbo->attach(colour);
     EXPECT_EQ(2, colour.use_count());
-    GLint bound = 0, attached = 0, active = 0, unitBinding = -1;
-    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
+    GLint attached = 0;
     glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
                                           GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &attached);
-    glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &unitBinding);
-    EXPECT_EQ(static_cast<GLint>(fbo->framebuffer), bound);
+    EXPECT_EQ(static_cast<GLint>(fbo->framebuffer), gltest::glInteger(GL_FRAMEBUFFER_BINDING));
     EXPECT_EQ(static_cast<GLint>(colour->glTexture()), attached);
-    EXPECT_EQ(GL_TEXTURE1, active);
-    EXPECT_EQ(0, unitBinding);
+    EXPECT_EQ(GL_TEXTURE1, gltest::glInteger(GL_ACTIVE_TEXTURE));
+    EXPECT_EQ(0, gltest::glInteger(GL_TEXTURE_BINDING_2D));
 
     fbo->setSize(8, 4);
     fbo->setSize(0, 480);
@@ -79,8 +76,7 @@ TEST_F(GLFilterRecordTest, FramebufferAttachesOnUnitOneIgnoresZeroSizesAndCleans
     fbo.release();
     EXPECT_FALSE(glIsFramebuffer(name));
     EXPECT_EQ(1, colour.use_count());
-    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
-    EXPECT_EQ(0, bound);
+    EXPECT_EQ(0, gltest::glInteger(GL_FRAMEBUFFER_BINDING));
 }
 
 }  // namespace

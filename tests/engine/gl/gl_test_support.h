@@ -1,6 +1,8 @@
-// Shader texts and small helpers shared by the GL leaf filter tests.
+// Shader texts and small helpers shared by the GL engine tests.
 #ifndef IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
 #define IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
+
+#include <GLES2/gl2.h>
 
 #include <cstdint>
 #include <string>
@@ -53,6 +55,26 @@ inline _Image* makeRGBA(int width, int height, const std::vector<unsigned char>&
     _Image* image = create_image(width, height, 4, width * 4);
     for (size_t i = 0; i < bytes.size(); ++i) image->data[i] = bytes[i];
     return image;
+}
+
+inline GLint glInteger(GLenum name) {
+    GLint value = 0;
+    glGetIntegerv(name, &value);
+    return value;
+}
+
+// RGBA bytes of a texture's level 0, read through a framebuffer of our own.
+inline std::vector<unsigned char> readTexture(GLuint texture, int width, int height) {
+    GLuint framebuffer = 0;
+    glGenFramebuffers(1, &framebuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+    std::vector<unsigned char> pixels(static_cast<size_t>(width) * height * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glDeleteFramebuffers(1, &framebuffer);
+    return pixels;
 }
 
 }  // namespace gltest

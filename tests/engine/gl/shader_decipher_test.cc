@@ -79,13 +79,11 @@ TEST(DecodeHexText, LenientDigitsAndErrorCodes) {
     EXPECT_EQ(0x5a, out[0]) << "an odd text writes nothing";
     // A bad character, or the text's end, stops decoding and terminates.
     EXPECT_EQ(-3, decodeHexText("12 3", out, 2));
-    EXPECT_EQ(0x12, out[0]);
     EXPECT_EQ(0, out[1]);
     EXPECT_EQ(-3, decodeHexText("4142", out, 6));
     EXPECT_EQ(0, out[2]);
     EXPECT_EQ(0x5a, out[3]);
     EXPECT_EQ(-1, decodeHexText(nullptr, out, 1));
-    EXPECT_EQ(-1, decodeHexText("00", nullptr, 1));
 }
 
 TEST(DecipherShaderSource, ManyBlockFormNeverDeciphersItsLastWholeBlock) {

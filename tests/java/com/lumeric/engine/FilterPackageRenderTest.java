@@ -4,6 +4,7 @@ import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertDoesNotThrow;
 import static org.junit.jupiter.api.Assertions.assertEquals;
 import static org.junit.jupiter.api.Assertions.assertNotEquals;
+import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import android.graphics.Bitmap;
@@ -20,8 +21,6 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.function.IntUnaryOperator;
-import javax.crypto.Cipher;
-import javax.crypto.SecretKey;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
@@ -29,11 +28,11 @@ import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 
 /**
- * Filter packages end to end: package files written into a bundle directory,
- * a caller texture uploaded from a bitmap, the output texture read back and
- * compared byte for byte with small Java references of the shaders.
- * Package and description names are unique: the native caches live as long
- * as the JVM.
+ * Filter packages through the FilterWraper natives: package files written
+ * into a bundle directory, a caller texture uploaded from a bitmap, the output
+ * texture read back and compared byte for byte with small Java references of
+ * the shaders. Package and description names are unique: the native caches
+ * live as long as the JVM.
  */
 class FilterPackageRenderTest {
     private static final String VERTEX =
@@ -175,8 +174,8 @@ class FilterPackageRenderTest {
         pack("skip", "<model>" + leaf("noblue") + leaf("rotate") + leaf("invert")
                 + "<relation output='0' input='2' index='0'/></model>");
         // Written before the filters, applied after them: the package input also
-        // reaches child 1 at its input 1.
-        pack("tap", "<model><relation output='-1' input='1' index='1'/>"
+        // reaches child 1 at its input 1 (numbers read like atoi).
+        pack("tap", "<model><relation output=' -1' input='1' index='1x'/>"
                 + leaf("invert") + leaf("mixsecond") + "</model>");
 
         assertArrayEquals(expected(INVERT_REF), renderInput("single"));
@@ -186,7 +185,7 @@ class FilterPackageRenderTest {
     }
 
     @Test
-    void includedPackageIsReadOnceAndSharedByTwoModels() throws IOException {
+    void includedPackageIsReadOnceAndEachWrapperOwnsItsFilters() throws IOException {
         describe("inc_invert", INVERT);
         describe("inc_noblue", body("gl_FragColor = vec4(c.rg, 0.0, 1.0);"));
         pack("inc_shared", leaf("inc_invert"));
@@ -197,8 +196,19 @@ class FilterPackageRenderTest {
         // inc_first, inc_shared and the two GL descriptions.
         assertEquals(4, bundle.readCount());
         assertArrayEquals(expected(NOBLUE_REF.andThen(INVERT_REF)), renderInput("inc_second"));
-        assertArrayEquals(expected(INVERT_REF.andThen(NOBLUE_REF)), renderInput("inc_first"));
         assertEquals(5, bundle.readCount());
+        // An including element is parsed into the shared node: it renames the
+        // leaf for every user.
+        pack("inc_rename", "<model><filter include='inc_shared' implement='inc_noblue'/></model>");
+        assertArrayEquals(expected(NOBLUE_REF), renderInput("inc_rename"));
+        assertArrayEquals(expected(NOBLUE_REF), renderInput("inc_first"));
+        try (FilterWraper first = new FilterWraper("inc_first");
+                FilterWraper second = new FilterWraper("inc_first")) {
+            first.render(0, 8, 8);
+            second.render(0, 8, 8);
+            assertNotEquals(first.outputTexture(), second.outputTexture());
+        }
+        assertEquals(6, bundle.readCount());
     }
 
     @Test
@@ -241,67 +251,6 @@ class FilterPackageRenderTest {
         assertArrayEquals(rgba(mixed), renderInput("p_image"));
     }
 
-    // ---- protected shader sources -------------------------------------------
-
-    private static final byte[] KEY = "shaderfilter.key".getBytes(StandardCharsets.US_ASCII);
-
-    private static byte[] encipher(byte[] blocks) throws Exception {
-        Cipher cipher = Cipher.getInstance("AES/ECB/NoPadding");
-        cipher.init(Cipher.ENCRYPT_MODE, rawAesKey(KEY));
-        return cipher.doFinal(blocks);
-    }
-
-    private static String hex(byte[] bytes, int from, int to) {
-        StringBuilder text = new StringBuilder();
-        for (int i = from; i < to; i++) text.append(String.format("%02x", bytes[i] & 0xff));
-        return text.toString();
-    }
-
-    /** "mee": length, "x", then each 4 bytes as a little-endian decimal integer and "x". */
-    private static String mee(String source) {
-        byte[] bytes = Arrays.copyOf(source.getBytes(StandardCharsets.US_ASCII), (source.length() + 3) / 4 * 4);
-        StringBuilder text = new StringBuilder("mee").append(source.length()).append('x');
-        for (int i = 0; i < bytes.length; i += 4) {
-            int word = (bytes[i] & 0xff) | (bytes[i + 1] & 0xff) << 8 | (bytes[i + 2] & 0xff) << 16
-                    | (bytes[i + 3] & 0xff) << 24;
-            text.append(word).append('x');
-        }
-        return text.toString();
-    }
-
-    /** "aes": only the first block is enciphered; the rest of the hex is plain. */
-    private static String aes(String source) throws Exception {
-        byte[] bytes = source.getBytes(StandardCharsets.US_ASCII);
-        byte[] first = encipher(Arrays.copyOf(bytes, 16));
-        return "aes" + hex(first, 0, 16) + hex(bytes, 16, bytes.length);
-    }
-
-    /** "ios": NUL padded blocks; the last block is never deciphered, so it is stored plain. */
-    private static String ios(String source) throws Exception {
-        byte[] bytes = source.getBytes(StandardCharsets.US_ASCII);
-        byte[] padded = Arrays.copyOf(bytes, (bytes.length + 15) / 16 * 16);
-        int last = padded.length - 16;
-        byte[] sealed = encipher(Arrays.copyOf(padded, last));
-        return "ios" + hex(sealed, 0, last) + hex(padded, last, padded.length);
-    }
-
-    @Test
-    void protectedShaderSourcesCompile() throws Exception {
-        describe("mee_invert", mee(INVERT));
-        describe("aes_invert", aes(INVERT));
-        describe("ios_invert", ios(INVERT));
-        pack("sealed_mee", leaf("mee_invert"));
-        pack("sealed_aes", leaf("aes_invert"));
-        pack("sealed_ios", leaf("ios_invert"));
-        pack("unsealed_copy", leaf("copy"));
-        for (String name : new String[] {"sealed_mee", "sealed_aes", "sealed_ios"}) {
-            // A program that fails to link is never made current, so the draw
-            // would use the program current before it: make that a copy.
-            assertArrayEquals(rgba(INPUT), renderInput("unsealed_copy"));
-            assertArrayEquals(expected(INVERT_REF), renderInput(name), name);
-        }
-    }
-
     @Test
     void brokenPackagesGiveNoOutputAndThrowNothing() throws IOException {
         write("filter/gl/novertex.xml", "<glfilter><fragment>" + INVERT + "</fragment></glfilter>");
@@ -312,18 +261,33 @@ class FilterPackageRenderTest {
         pack("br_relation", "<model>" + leaf("invert") + leaf("invert") + "<relation output='0' input='1'/></model>");
         pack("br_cycle_a", "<model><filter include='br_cycle_b'/></model>");
         pack("br_cycle_b", "<model>" + leaf("invert") + "<filter include='br_cycle_a'/></model>");
+        pack("br_self", "<model>" + leaf("invert") + "<filter include='br_self'/></model>");
+        pack("br_child", "<model>" + leaf("invert") + "<filter include='br_missing'/></model>");
+        pack("br_unbuildable", "<model>" + leaf("invert") + leaf("no_such_description") + "</model>");
+        pack("br_empty", "");
 
         int input = texture(2, 2, INPUT);
-        for (String name : new String[] {"br_missing", "br_badxml", "br_root", "br_nodesc", "br_novertex",
-                "br_relation", "br_cycle_a", "br_cycle_b"}) {
-            assertDoesNotThrow(() -> {
-                try (FilterWraper wraper = new FilterWraper(name)) {
-                    wraper.render(input, 2, 2);
-                    assertEquals(0, wraper.outputTexture(), name);
-                }
-            }, name);
+        String[] names = {"br_missing", "br_badxml", "br_root", "br_nodesc", "br_novertex", "br_relation",
+                "br_cycle_a", "br_cycle_b", "br_self", "br_child", "br_unbuildable", "br_empty"};
+        for (int pass = 0; pass < 2; pass++) {
+            int reads = bundle.readCount();
+            for (String name : names) {
+                assertDoesNotThrow(() -> {
+                    try (FilterWraper wraper = new FilterWraper(name)) {
+                        wraper.render(input, 2, 2);
+                        assertEquals(0, wraper.outputTexture(), name);
+                    }
+                }, name);
+            }
+            // Failures are cached too: the second pass reads no file.
+            if (pass == 1) assertEquals(reads, bundle.readCount());
         }
         assertArrayEquals(rgba(INPUT), read(input, 2, 2));
+
+        FilterWraper unopened = new FilterWraper();
+        assertDoesNotThrow(() -> unopened.nativeDispose(0));
+        assertEquals(0, unopened.nativeGetOutputText(0));
+        assertThrows(NullPointerException.class, () -> new FilterWraper(null));
     }
 
     @Test
@@ -344,12 +308,29 @@ class FilterPackageRenderTest {
         assertArrayEquals(rgba(new int[] {dark, light, dark, light}), read(input, 2, 2));
     }
 
-    /** The raw 16-byte shader key as a JCE key. */
-    private static SecretKey rawAesKey(byte[] key) {
-        return new SecretKey() {
-            @Override public String getAlgorithm() { return "AES"; }
-            @Override public String getFormat() { return "RAW"; }
-            @Override public byte[] getEncoded() { return key.clone(); }
-        };
+    @Test
+    void thousandCyclesDoNotGrowTheProcess() throws IOException {
+        pack("cycles", leaf("invert"));
+        runCycles("cycles", 100);
+        long before = residentBytes();
+        runCycles("cycles", 1000);
+        long growth = residentBytes() - before;
+        // A leaked 64x64 output texture alone is 16 KiB a cycle (16 MB here),
+        // before counting framebuffers and linked programs.
+        assertTrue(growth < 6L << 20, "resident growth " + growth);
+    }
+
+    private static void runCycles(String name, int cycles) {
+        for (int cycle = 0; cycle < cycles; cycle++) {
+            try (FilterWraper wraper = new FilterWraper(name)) {
+                wraper.render(0, 64, 64);
+                assertNotEquals(0, wraper.outputTexture());
+            }
+        }
+    }
+
+    private static long residentBytes() throws IOException {
+        String[] fields = Files.readString(Path.of("/proc/self/statm")).trim().split(" ");
+        return Long.parseLong(fields[1]) * 4096L;
     }
 }
