@@ -91,12 +91,16 @@ TEST_F(TextureTest, SetImageUploadsByChannelCountOnUnitThree) {
         EXPECT_EQ(0, glInteger(GL_TEXTURE_BINDING_2D));
         // Luminance textures cannot be framebuffer attachments; RGBA ones are
         // read back (three-channel rows are taken as four-channel ones).
-        if (c.format == GL_RGBA) EXPECT_EQ(std::vector<unsigned char>(16, 200), readTexture(texture->glTexture(), 2, 2));
+        if (c.format == GL_RGBA) {
+            EXPECT_EQ(std::vector<unsigned char>(16, 200), readTexture(texture->glTexture(), 2, 2));
+        }
 
         // A null image only forgets the size.
         texture->setImage(nullptr);
         EXPECT_EQ(HFSize({0, 0}), texture->size());
-        if (c.format == GL_RGBA) EXPECT_EQ(200, readTexture(texture->glTexture(), 2, 2)[0]);
+        if (c.format == GL_RGBA) {
+            EXPECT_EQ(200, readTexture(texture->glTexture(), 2, 2)[0]);
+        }
         glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     }
     glActiveTexture(GL_TEXTURE0);
