@@ -201,4 +201,63 @@ TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
     EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError());
 }
 
+// Live GL objects of each kind, found by probing every name up to the next
+// fresh one (Mesa hands out increasing names).
+struct LiveObjects {
+    int textures = 0, framebuffers = 0, programs = 0, shaders = 0;
+    bool operator==(const LiveObjects& o) const {
+        return textures == o.textures && framebuffers == o.framebuffers && programs == o.programs &&
+               shaders == o.shaders;
+    }
+};
+
+LiveObjects countLiveObjects() {
+    // A deleted program stays alive while it is current; drop that binding.
+    glUseProgram(0);
+    GLuint probe[2] = {};
+    glGenTextures(1, &probe[0]);
+    glGenFramebuffers(1, &probe[1]);
+    const GLuint program = glCreateProgram();
+    LiveObjects live;
+    for (GLuint name = 1; name < probe[0]; ++name) live.textures += glIsTexture(name) ? 1 : 0;
+    for (GLuint name = 1; name < probe[1]; ++name) live.framebuffers += glIsFramebuffer(name) ? 1 : 0;
+    for (GLuint name = 1; name < program; ++name) {
+        live.programs += glIsProgram(name) ? 1 : 0;
+        live.shaders += glIsShader(name) ? 1 : 0;
+    }
+    glDeleteTextures(1, &probe[0]);
+    glDeleteFramebuffers(1, &probe[1]);
+    glDeleteProgram(program);
+    return live;
+}
+
+// Create, render and dispose a two-filter package a thousand times: every
+// texture, framebuffer, program and shader the engine made is gone again.
+TEST_F(FilterDescTest, ThousandWrapperCyclesLeaveNoGLObjectsBehind) {
+    describe("cycleswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
+    write("filter/cycles1/filter.xml",
+          "<model><filter implement='cycleswap'/><filter implement='cycleswap'/></model>");
+    GLuint input = 0;
+    glGenTextures(1, &input);
+    glBindTexture(GL_TEXTURE_2D, input);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 8, 8, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glBindTexture(GL_TEXTURE_2D, 0);
+
+    const LiveObjects before = countLiveObjects();
+    for (int cycle = 0; cycle < 1000; ++cycle) {
+        HFFilterWraper wraper("cycles1");
+        wraper.renderTexture(static_cast<int>(input), 8, 8);
+        ASSERT_NE(0, wraper.outputTexture());
+    }
+    const LiveObjects after = countLiveObjects();
+    EXPECT_TRUE(before == after) << "textures " << before.textures << " -> " << after.textures << ", framebuffers "
+                                 << before.framebuffers << " -> " << after.framebuffers << ", programs "
+                                 << before.programs << " -> " << after.programs << ", shaders " << before.shaders
+                                 << " -> " << after.shaders;
+    EXPECT_TRUE(glIsTexture(input)) << "the caller's texture survives";
+    glDeleteTextures(1, &input);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glActiveTexture(GL_TEXTURE0);
+}
+
 }  // namespace
