@@ -8,10 +8,11 @@ import static org.junit.jupiter.api.Assertions.assertThrows;
 import com.lumeric.filter.BaseFilter;
 import com.lumeric.filter.GLSLRender;
 import com.lumeric.host.HostGL;
+import java.util.List;
+import java.util.function.Consumer;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
-import org.junit.jupiter.api.function.Executable;
 
 /** One shader pass driven from Java: matrices, quads, uniforms and handles. */
 class BaseFilterTest {
@@ -57,22 +58,18 @@ class BaseFilterTest {
     }
 
     @Test
-    void zeroHandlesAnswerAtOnce() {
-        float[] m = new float[16];
+    void zeroHandlesAnswerAtOnceBeforeLookingAtArrays() {
         assertEquals(8223, filter.nativeGetVersion());
         assertEquals(-1, filter.nativeApplyFilter(0));
         assertEquals(1, filter.nativeClear(0));
-        assertEquals(0, filter.nativeUpdateMatrix(0, m));
-        assertEquals(0, filter.nativeSetGlobalTextureMatrix(0, m));
-        assertEquals(0, filter.nativeUpdateModelMatrix(0, m));
+        assertEquals(0, filter.nativeUpdateMatrix(0, null));
+        assertEquals(0, filter.nativeSetGlobalTextureMatrix(0, null));
+        assertEquals(0, filter.nativeUpdateModelMatrix(0, new float[16]));
         assertEquals(0, filter.nativeSetRotationAndFlip(0, 90, 1, 1));
         assertEquals(0, filter.nativeRenderTexture(0, CHART, SIZE, SIZE));
-        assertEquals(0, filter.nativeSetPositions(0, new float[8]));
+        assertEquals(0, filter.nativeSetPositions(0, null));
         assertEquals(0, filter.nativeSetTexCords(0, new float[8]));
         assertEquals(0, filter.nativeSetRenderMode(0, 1));
-        // A zero handle is answered before the array is looked at.
-        assertEquals(0, filter.nativeUpdateMatrix(0, null));
-        assertEquals(0, filter.nativeSetPositions(0, null));
     }
 
     @Test
@@ -184,19 +181,19 @@ class BaseFilterTest {
     @Test
     void nullAndShortArraysRaise() {
         long handle = copyFilter();
-        Executable[] calls = {
-            () -> filter.nativeUpdateMatrix(handle, new float[15]),
-            () -> filter.nativeUpdateModelMatrix(handle, new float[15]),
-            () -> filter.nativeSetGlobalTextureMatrix(handle, new float[8]),
-            () -> filter.nativeSetPositions(handle, new float[7]),
-            () -> filter.nativeSetTexCords(handle, new float[7]),
-        };
-        for (Executable call : calls) assertThrows(RuntimeException.class, call);
-        assertThrows(NullPointerException.class, () -> filter.nativeUpdateMatrix(handle, null));
-        assertThrows(NullPointerException.class, () -> filter.nativeUpdateModelMatrix(handle, null));
-        assertThrows(NullPointerException.class, () -> filter.nativeSetGlobalTextureMatrix(handle, null));
-        assertThrows(NullPointerException.class, () -> filter.nativeSetPositions(handle, null));
-        assertThrows(NullPointerException.class, () -> filter.nativeSetTexCords(handle, null));
+        int[] lengths = {16, 16, 9, 8, 8};
+        List<Consumer<float[]>> calls = List.of(
+                m -> filter.nativeUpdateMatrix(handle, m),
+                m -> filter.nativeUpdateModelMatrix(handle, m),
+                m -> filter.nativeSetGlobalTextureMatrix(handle, m),
+                m -> filter.nativeSetPositions(handle, m),
+                m -> filter.nativeSetTexCords(handle, m));
+        for (int i = 0; i < lengths.length; i++) {
+            Consumer<float[]> call = calls.get(i);
+            float[] tooShort = new float[lengths[i] - 1];
+            assertThrows(RuntimeException.class, () -> call.accept(tooShort), "call " + i);
+            assertThrows(NullPointerException.class, () -> call.accept(null), "call " + i);
+        }
         assertThrows(NullPointerException.class, () -> filter.nativeInitialWithString(handle, false, null, null));
         // Refused calls changed nothing: the old renderer still draws the chart as it is.
         assertArrayEquals(chart, render(handle));
