@@ -33,14 +33,12 @@ TEST(ImageCrop, EveryRowLandsOnTheBufferStart) {
     EXPECT_EQ(out.image.stride, 0);
     EXPECT_EQ(out.image.size, source->size);
     EXPECT_THAT(bytesOf(out.image.data, 2), ElementsAre(21, 22));  // the last row copied
-}
 
-TEST(ImageCrop, SourceRowsStepByWidthNotStride) {
-    ImagePtr source = indexedImage(3, 2, 1);  // stride 4, bytes 0..7
-    MRect rect{0, 1, 3, 1};
-    FilledRecord out;
-    crop_image(&out.image, source.get(), &rect);
-    EXPECT_THAT(bytesOf(out.image.data, 3), ElementsAre(3, 4, 5));
+    ImagePtr padded = indexedImage(3, 2, 1);  // stride 4, bytes 0..7: rows step by width
+    MRect second{0, 1, 3, 1};
+    FilledRecord row1;
+    crop_image(&row1.image, padded.get(), &second);
+    EXPECT_THAT(bytesOf(row1.image.data, 3), ElementsAre(3, 4, 5));
 }
 
 TEST(ImageCrop, WithAngleKeepsOnlyTheLastPixel) {
@@ -108,11 +106,17 @@ TEST(ImagePyramid, SkipsColumnZeroAndReadsOneFactorPastEachRow) {
     EXPECT_THAT(row(out.get(), 1, 4), ElementsAre(22, 24, 26, 30));
 }
 
-TEST(ImagePyramid, SamplesPastTheBufferReadAsZero) {
+TEST(ImagePyramid, SamplesPastTheBufferReadAsZeroAndOddFactors) {
     ImagePtr source = gridImage(4, 2);
     ImagePtr out(buildPyramid(source.get(), 1));
     EXPECT_THAT(row(out.get(), 0, 4), ElementsAre(1, 2, 3, 10));
     EXPECT_THAT(row(out.get(), 1, 4), ElementsAre(11, 12, 13, 0));
+
+    EXPECT_EQ(buildPyramid(source.get(), 0), nullptr);
+    ImagePtr negative(buildPyramid(source.get(), -1));
+    ASSERT_NE(negative, nullptr);
+    EXPECT_EQ(negative->width, -4);
+    EXPECT_EQ(negative->height, -2);
 }
 
 TEST(ImagePyramid, CopiesWordsButKeepsThreeChannelPixels) {
@@ -121,15 +125,6 @@ TEST(ImagePyramid, CopiesWordsButKeepsThreeChannelPixels) {
     ImagePtr out(buildPyramid(source.get(), 1));
     // Columns 1, 2, 3 and then past the end (0).
     EXPECT_THAT(bytesOf(out->data, 12), ElementsAre(4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0, 0));
-}
-
-TEST(ImagePyramid, ZeroFactorGivesNullAndMinusOneNegatesSizes) {
-    ImagePtr source = gridImage(8, 2);
-    EXPECT_EQ(buildPyramid(source.get(), 0), nullptr);
-    ImagePtr negative(buildPyramid(source.get(), -1));
-    ASSERT_NE(negative, nullptr);
-    EXPECT_EQ(negative->width, -8);
-    EXPECT_EQ(negative->height, -2);
 }
 
 TEST(ImageGray, WeightsByteTwoAsRedAndTruncates) {
@@ -142,39 +137,28 @@ TEST(ImageGray, WeightsByteTwoAsRedAndTruncates) {
     EXPECT_THAT(bytesOf(gray.image.data, 4), ElementsAre(76, 21, 255, 0));
 }
 
-TEST(ImageRotate, QuarterTurnIsClockwiseAndKeepsSize) {
-    ImagePtr image = gridImage(3, 2, 3);  // packed rows
-    uint32_t size = image->size;
-    rotateImage(image.get(), 90);
-    EXPECT_EQ(image->width, 2);
-    EXPECT_EQ(image->height, 3);
-    EXPECT_EQ(image->stride, 2);
-    EXPECT_EQ(image->size, size);
-    // The first row is the old first column read bottom to top.
-    EXPECT_THAT(bytesOf(image->data, 6), ElementsAre(10, 0, 11, 1, 12, 2));
-}
-
-TEST(ImageRotate, HalfAndThreeQuarterTurns) {
-    ImagePtr half = gridImage(3, 2, 3);
-    rotateImage(half.get(), 180);
-    EXPECT_THAT(bytesOf(half->data, 6), ElementsAre(12, 11, 10, 2, 1, 0));
-
-    ImagePtr three = gridImage(3, 2, 3);
-    rotateImage(three.get(), 270);
-    EXPECT_EQ(three->width, 2);
-    EXPECT_THAT(bytesOf(three->data, 6), ElementsAre(2, 12, 1, 11, 0, 10));
-
-    ImagePtr other = gridImage(3, 2, 3);
-    rotateImage(other.get(), -90);
-    rotateImage(other.get(), 45);
-    EXPECT_EQ(other->width, 3);
-    EXPECT_THAT(bytesOf(other->data, 6), ElementsAre(0, 1, 2, 10, 11, 12));
-}
-
-TEST(ImageRotate, IgnoresPaddedStride) {
-    ImagePtr image = indexedImage(3, 2, 1);  // stride 4, rows read 3 bytes apart
-    rotateImage(image.get(), 90);
-    EXPECT_THAT(bytesOf(image->data, 6), ElementsAre(3, 0, 4, 1, 5, 2));
+TEST(ImageRotate, ClockwiseTurnsOverPackedRowsKeepingTheSize) {
+    struct Case {
+        int angle, stride, width;
+        std::vector<int> bytes;
+    };
+    const Case cases[] = {
+        {90, 3, 2, {10, 0, 11, 1, 12, 2}},  // first row: the old first column read bottom to top
+        {180, 3, 3, {12, 11, 10, 2, 1, 0}},
+        {270, 3, 2, {2, 12, 1, 11, 0, 10}},
+        {-90, 3, 3, {0, 1, 2, 10, 11, 12}},
+        {45, 3, 3, {0, 1, 2, 10, 11, 12}},
+        {90, 4, 2, {0xEE, 0, 10, 1, 11, 2}},  // padded rows are still read 3 bytes apart
+    };
+    for (const Case& c : cases) {
+        ImagePtr image = gridImage(3, 2, c.stride);
+        uint32_t size = image->size;
+        rotateImage(image.get(), c.angle);
+        EXPECT_EQ(image->width, c.width) << c.angle;
+        EXPECT_EQ(image->height, 6 / c.width) << c.angle;
+        EXPECT_EQ(image->size, size) << c.angle;
+        EXPECT_EQ(bytesOf(image->data, 6), c.bytes) << c.angle << " stride " << c.stride;
+    }
 }
 
 TEST(ImageRotate, EmptyImageStillSwapsDimensions) {

@@ -40,15 +40,6 @@ TEST(QImageOps, SubImageStepsSourceRowsByWidthNotStride) {
     EXPECT_EQ(left.image->width, 3);
 }
 
-TEST(QImageOps, ColorIntsSwapRedAndBlueOnly) {
-    Owned image(counting(2, 2, 4, 0));
-    std::vector<unsigned char> out(16, 0);
-    ifc::writeColorInts(image.image, out.data(), false, true);
-    EXPECT_THAT(bytes(out.data(), 8), ElementsAre(3, 2, 1, 4, 7, 6, 5, 8));
-    ifc::writeColorInts(image.image, out.data(), true, false);
-    EXPECT_THAT(bytes(out.data(), 16), ElementsAre(5, 6, 7, 8, 1, 2, 3, 4, 13, 14, 15, 16, 9, 10, 11, 12));
-}
-
 TEST(QImageOps, MirroredRowsOverlapForThreeChannels) {
     Owned image(counting(2, 2, 3, 6));  // 12 bytes; 16 are read, the rest as 0
     ASSERT_EQ(ifc::colorIntBytes(image.image, true), 2 * 3 + 2 * 4);
@@ -59,26 +50,13 @@ TEST(QImageOps, MirroredRowsOverlapForThreeChannels) {
     EXPECT_THAT(bytes(out.data(), 14), ElementsAre(5, 6, 7, 8, 1, 2, 0, 0, 0, 0, 9, 10, 11, 12));
 }
 
-TEST(QImageOps, Rgb565SamplingAndPacking) {
-    Owned image(create_image(4, 3, 3, 12));
-    for (int i = 0; i < 36; ++i) image.image->data[i] = static_cast<unsigned char>(i * 7);
-    uint16_t out[4] = {};
-    ifc::sampleToRGB565(image.image, out, 2, 1, 2);  // rx 2, ry 3: pixels (0,0) and (2,0)
-    auto pack = [](int r, int g, int b) { return (r >> 3) << 11 | ((g << 3) & 0x7E0) | (b >> 3); };
-    EXPECT_EQ(out[0], pack(0, 7, 14));
-    EXPECT_EQ(out[1], pack(42, 49, 56));
-
-    Owned gray(create_image(1, 1, 1, 1));  // one byte: G and B lie past the buffer and read 0
+// Sampling and packing are checked through ToBitmap; here the read past a short pixel.
+TEST(QImageOps, Rgb565OfOneChannelReadsMissingBytesAsZero) {
+    Owned gray(create_image(1, 1, 1, 1));
     gray.image->data[0] = 0xFF;
+    uint16_t out[1] = {};
     ifc::sampleToRGB565(gray.image, out, 1, 1, 1);
     EXPECT_EQ(out[0], 0xF800);
-}
-
-TEST(QImageOps, RotationRemainderKeepsDividendSign) {
-    EXPECT_EQ(ifc::rotationRemainder(-90), 270);
-    EXPECT_EQ(ifc::rotationRemainder(-450), -90);
-    EXPECT_EQ(ifc::rotationRemainder(720), 0);
-    EXPECT_EQ(ifc::rotationRemainder(2147483647), (2147483647LL + 360) % 360);
 }
 
 TEST(QImageOps, MoveMarkersFreesTheOldList) {

@@ -4,11 +4,14 @@ import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
 import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertNotEquals;
+import static org.junit.jupiter.api.Assertions.assertSame;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import android.graphics.Bitmap;
 import com.lumeric.filter.QImage;
+import java.util.Map;
+import java.util.function.Consumer;
 import org.junit.jupiter.api.Test;
 
 class QImageBitmapTest {
@@ -32,23 +35,7 @@ class QImageBitmapTest {
     }
 
     @Test
-    void bitmapToQImageErrors() {
-        QImage any = new QImage();
-        Bitmap rgb565 = Bitmap.createBitmap(2, 2, Bitmap.Config.RGB_565);
-        NullPointerException npe = assertThrows(NullPointerException.class, () -> any.Bitmap2QImage(rgb565));
-        assertEquals("Bitmap format is not RGBA_8888", npe.getMessage());
-        assertEquals(0, rgb565.getLockCount());
-
-        Bitmap locked = Pixels.chart(2, 2);
-        locked.failNextLocks(1);
-        RuntimeException e = assertThrows(RuntimeException.class, () -> any.Bitmap2QImage(locked));
-        assertEquals("can't lock bitmap pixels", e.getMessage());
-        assertEquals(0, locked.getLockCount());
-        assertThrows(NullPointerException.class, () -> any.Bitmap2QImage(null));
-    }
-
-    @Test
-    void fromBitmapCopiesImageIntoBitmap() {
+    void fromBitmapCopiesFlatBytesIntoBitmapsOfAnySize() {
         try (QImage image = Pixels.image(4, 3)) {
             Bitmap target = Bitmap.createBitmap(4, 3, Bitmap.Config.ARGB_8888);
             assertTrue(image.FromBitmap(target));
@@ -61,29 +48,13 @@ class QImageBitmapTest {
             assertEquals(0, pixelsOf(larger)[12]);
 
             Bitmap smaller = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
-            assertTrue(image.FromBitmap(smaller));  // flat bytes: the first 4 pixels of row 0
+            assertTrue(image.FromBitmap(smaller));  // the first 4 pixels of row 0
             assertEquals(Pixels.colorAt(2, 0), pixelsOf(smaller)[2]);
         }
     }
 
     @Test
-    void fromBitmapErrors() {
-        try (QImage image = Pixels.image(2, 2)) {
-            NullPointerException info = assertThrows(NullPointerException.class, () -> image.FromBitmap(null));
-            assertEquals("can't get Bitmap info", info.getMessage());
-            Bitmap rgb565 = Bitmap.createBitmap(2, 2, Bitmap.Config.RGB_565);
-            NullPointerException format = assertThrows(NullPointerException.class, () -> image.FromBitmap(rgb565));
-            assertEquals("Bitmap format is not RGBA_8888", format.getMessage());
-            Bitmap bitmap = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
-            bitmap.failNextLocks(1);
-            RuntimeException lock = assertThrows(RuntimeException.class, () -> image.FromBitmap(bitmap));
-            assertEquals("can't lock bitmap pixels", lock.getMessage());
-            assertEquals(0, bitmap.getLockCount());
-        }
-    }
-
-    @Test
-    void toBitmapDownSamplesInto565() {
+    void toBitmapDownSamplesInto565AndSkipsOtherFormats() {
         try (QImage image = Pixels.image(400, 300)) {
             Bitmap small = Bitmap.createBitmap(200, 100, Bitmap.Config.RGB_565);
             assertTrue(image.ToBitmap(small));
@@ -96,31 +67,16 @@ class QImageBitmapTest {
                 }
             }
         }
-    }
-
-    @Test
-    void toBitmapIntoLarger565RepeatsPixelZero() {
         try (QImage image = Pixels.image(2, 2)) {
             Bitmap big = Bitmap.createBitmap(3, 3, Bitmap.Config.RGB_565);
-            assertTrue(image.ToBitmap(big));
+            assertTrue(image.ToBitmap(big));  // ratio 0: pixel 0 everywhere
             int expected = Pixels.expand565(Pixels.pack565(Pixels.colorAt(0, 0)));
             for (int v : pixelsOf(big)) assertEquals(expected, v);
-        }
-    }
 
-    @Test
-    void toBitmapOtherFormatsAndErrors() {
-        try (QImage image = Pixels.image(2, 2)) {
             Bitmap alpha = Bitmap.createBitmap(2, 2, Bitmap.Config.ALPHA_8);
             assertTrue(image.ToBitmap(alpha));
             assertEquals(0, alpha.getPixel(0, 0));
             assertEquals(0, alpha.getLockCount());
-            NullPointerException info = assertThrows(NullPointerException.class, () -> image.ToBitmap(null));
-            assertEquals("can't get Bitmap info", info.getMessage());
-            Bitmap bitmap = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
-            bitmap.failNextLocks(1);
-            RuntimeException lock = assertThrows(RuntimeException.class, () -> image.ToBitmap(bitmap));
-            assertEquals("can't lock bitmap pixels", lock.getMessage());
         }
         Bitmap left = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
         assertFalse(new QImage().ToBitmap(left));
@@ -147,19 +103,41 @@ class QImageBitmapTest {
     }
 
     @Test
-    void bindErrorsCarryOnLikeABinding() {
-        QImage any = new QImage();
-        Bitmap rgb565 = Bitmap.createBitmap(2, 2, Bitmap.Config.RGB_565);
-        NullPointerException format = assertThrows(NullPointerException.class, () -> any.BindBitmap(rgb565));
-        assertEquals("Bitmap format is not RGBA_8888", format.getMessage());
-        assertEquals(1, rgb565.getLockCount());  // binding went on and kept the lock
-        assertTrue(any.UnBindBitmap(rgb565));
-        assertEquals(0, rgb565.getLockCount());
-        Bitmap bitmap = Pixels.chart(2, 2);
-        bitmap.failNextLocks(1);
-        RuntimeException e = assertThrows(RuntimeException.class, () -> any.BindBitmap(bitmap));
-        assertEquals("can't lock bitmap pixels", e.getMessage());
-        assertThrows(NullPointerException.class, () -> any.BindBitmap(null));
-        assertThrows(NullPointerException.class, () -> any.UnBindBitmap(null));
+    void unusableBitmapsRaiseWithTheirTexts() {
+        String format = "Bitmap format is not RGBA_8888", lock = "can't lock bitmap pixels", info = "can't get Bitmap info";
+        QImage image = Pixels.image(2, 2);
+        Map<String, Consumer<Bitmap>> calls = Map.of(
+                "Bitmap2QImage", b -> new QImage().Bitmap2QImage(b),
+                "FromBitmap", image::FromBitmap,
+                "ToBitmap", image::ToBitmap,
+                "BindBitmap", b -> new QImage().BindBitmap(b),
+                "UnBindBitmap", b -> new QImage().UnBindBitmap(b));
+        // call, bitmap ("565", "unlockable" or null), exception, its text (null: any), locks left
+        Object[][] cases = {
+            {"Bitmap2QImage", "565", NullPointerException.class, format, 0},
+            {"Bitmap2QImage", "unlockable", RuntimeException.class, lock, 0},
+            {"Bitmap2QImage", null, NullPointerException.class, null, 0},
+            {"FromBitmap", "565", NullPointerException.class, format, 0},
+            {"FromBitmap", "unlockable", RuntimeException.class, lock, 0},
+            {"FromBitmap", null, NullPointerException.class, info, 0},
+            {"ToBitmap", "unlockable", RuntimeException.class, lock, 0},
+            {"ToBitmap", null, NullPointerException.class, info, 0},
+            // A binding raises and carries on: it keeps the lock.
+            {"BindBitmap", "565", NullPointerException.class, format, 1},
+            {"BindBitmap", "unlockable", RuntimeException.class, lock, 0},
+            {"BindBitmap", null, NullPointerException.class, null, 0},
+            {"UnBindBitmap", null, NullPointerException.class, null, 0},
+        };
+        for (Object[] c : cases) {
+            String what = c[0] + " " + c[1];
+            Bitmap bitmap = c[1] == null ? null
+                    : Bitmap.createBitmap(2, 2, c[1].equals("565") ? Bitmap.Config.RGB_565 : Bitmap.Config.ARGB_8888);
+            if ("unlockable".equals(c[1])) bitmap.failNextLocks(1);
+            Throwable e = assertThrows(Throwable.class, () -> calls.get((String) c[0]).accept(bitmap), what);
+            assertSame(c[2], e.getClass(), what);
+            if (c[3] != null) assertEquals(c[3], e.getMessage(), what);
+            if (bitmap != null) assertEquals(c[4], bitmap.getLockCount(), what);
+        }
+        image.Dispose();
     }
 }

@@ -11,6 +11,8 @@ import com.lumeric.filter.GLSLRender;
 import com.lumeric.filter.QImage;
 import com.lumeric.host.HostGL;
 import java.nio.ByteBuffer;
+import java.util.List;
+import java.util.function.ToIntFunction;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
@@ -149,31 +151,27 @@ class ReadbackTest {
 
     @Test
     void unusableBitmapsAreRefusedAndLeftUnlocked() {
-        Bitmap rgb565 = Bitmap.createBitmap(4, 4, Bitmap.Config.RGB_565);
-        byte[] untouched = bitmapBytes(rgb565);
-        assertEquals(0, GLSLRender.nativeCopyPixelToBitmap(rgb565));
-        assertEquals(0, GLSLRender.nativeRenderPixelToBitmap(rgb565, 1, 1));
-        assertEquals(0, GLSLRender.nativeCopyPixelToBitmapWithShare(rgb565, SMALL, -1));
-        assertEquals(0, GLSLRender.nativeSnap(rgb565));
-        assertEquals(0, GLSLRender.nativePushBitmapFromTexture(rgb565, -1));
-        assertArrayEquals(untouched, bitmapBytes(rgb565));
-        assertEquals(0, rgb565.getLockCount());
-
-        Bitmap locked = blankBitmap(4, 4);
-        locked.failNextLocks(5);
-        assertEquals(0, GLSLRender.nativeCopyPixelToBitmap(locked));
-        assertEquals(0, GLSLRender.nativeRenderPixelToBitmap(locked, 0, 0));
-        assertEquals(0, GLSLRender.nativeCopyPixelToBitmapWithShare(locked, SMALL, -1));
-        assertEquals(0, GLSLRender.nativeSnap(locked));
-        assertTrue(GLSLRender.nativePushBitmapFromTexture(locked, -1) < 0, "the lock's own result");
-        assertEquals(0, locked.getLockCount());
-        assertArrayEquals(new byte[4 * 4 * 4], bitmapBytes(locked));
-
-        assertThrows(NullPointerException.class, () -> GLSLRender.nativeCopyPixelToBitmap(null));
-        assertThrows(NullPointerException.class, () -> GLSLRender.nativeRenderPixelToBitmap(null, 0, 0));
-        assertThrows(NullPointerException.class, () -> GLSLRender.nativeCopyPixelToBitmapWithShare(null, SMALL, 0));
-        assertThrows(NullPointerException.class, () -> GLSLRender.nativePushBitmapFromTexture(null, 0));
-        assertThrows(NullPointerException.class, () -> GLSLRender.nativeSnap(null));
+        List<ToIntFunction<Bitmap>> calls = List.of(
+                GLSLRender::nativeCopyPixelToBitmap,
+                b -> GLSLRender.nativeRenderPixelToBitmap(b, 1, 1),
+                b -> GLSLRender.nativeCopyPixelToBitmapWithShare(b, SMALL, -1),
+                GLSLRender::nativeSnap,
+                b -> GLSLRender.nativePushBitmapFromTexture(b, -1));
+        for (int i = 0; i < calls.size(); i++) {
+            ToIntFunction<Bitmap> call = calls.get(i);
+            Bitmap rgb565 = Bitmap.createBitmap(4, 4, Bitmap.Config.RGB_565);
+            byte[] untouched = bitmapBytes(rgb565);
+            assertEquals(0, call.applyAsInt(rgb565), "call " + i);
+            assertArrayEquals(untouched, bitmapBytes(rgb565));
+            Bitmap locked = blankBitmap(4, 4);
+            locked.failNextLocks(1);
+            int answer = call.applyAsInt(locked);
+            // The push answers with the lock's own (negative) result, the others with 0.
+            assertTrue(i == 4 ? answer < 0 : answer == 0, "call " + i + " gave " + answer);
+            assertArrayEquals(new byte[4 * 4 * 4], bitmapBytes(locked));
+            assertEquals(0, rgb565.getLockCount() + locked.getLockCount(), "call " + i);
+            assertThrows(NullPointerException.class, () -> call.applyAsInt(null), "call " + i);
+        }
     }
 
     @Test

@@ -28,14 +28,6 @@ class TileTransferTest {
         gl.close();
     }
 
-    /** Smallest count whose last, widest tile fits the limit. */
-    private static int tileCount(int size, int limit) {
-        if (size <= limit) return 1;
-        int n = 2;
-        while (size - (n - 1) * (size / n) > limit) n++;
-        return n;
-    }
-
     /** {x, y, width, height} of a tile: the last column and row take the remainder. */
     private static int[] tile(int width, int height, int col, int row, int cols, int rows) {
         int tw = width / cols, th = height / rows;
@@ -91,11 +83,12 @@ class TileTransferTest {
     }
 
     /**
-     * Uploads every tile of the grid, checks the texture against the image,
-     * draws it into the pool's target of the tile's size and reads it back
-     * into the copy at the tile's position.
+     * Uploads every tile of the grid, checks the texture against the image and
+     * reads it back into the copy at the tile's position: with a pool slot,
+     * from the pool's target of the tile's size; with slot -1, from whatever
+     * is bound, here the target the pass draws into between begin and end.
      */
-    private static void roundTrip(QImage source, QImage copy, int cols, int rows, int slot) {
+    private static void roundTrip(QImage source, QImage copy, int cols, int rows, int slot, GL.Pass pass) {
         byte[] sourceBytes = GL.bytes(source);
         for (int row = 0; row < rows; row++) {
             for (int col = 0; col < cols; col++) {
@@ -105,52 +98,13 @@ class TileTransferTest {
                 assertArrayEquals(new int[] {t[2], t[3]}, size, "tile " + col + "," + row);
                 assertArrayEquals(tileRGBA(sourceBytes, source.width, source.pixelBytes, t),
                         GL.readTexture(TILE_TEXTURE, t[2], t[3]), "tile " + col + "," + row);
-                GLSLRender.nativeCopyTexturToDataWithShare(TILE_TEXTURE, new byte[t[2] * t[3] * 4], t[2], t[3], slot);
-                GLSLRender.nativePushJepgFromTexture(copy, col, row, cols, rows, slot);
-            }
-        }
-    }
-
-    @Test
-    void tileCountsKeepTheWidestTileWithinTheTextureLimit() {
-        int limit = 0;
-        for (int size = 1024; size <= 1 << 16 && counts(blank(size, 1, 1))[0] == 1; size *= 2) limit = size;
-        assertTrue(limit >= 2048, "texture limit " + limit);
-        assertArrayEquals(new int[] {2, 1}, counts(blank(limit + 1, 1, 1)));
-        for (int width : new int[] {2 * limit + 1, 3 * limit - 1, 3 * limit + 2}) {
-            assertEquals(tileCount(width, limit), counts(blank(width, 1, 1))[0], "width " + width);
-        }
-        assertArrayEquals(new int[] {1, 2}, counts(blank(1, limit + 1, 1)));
-        assertArrayEquals(new int[] {1, tileCount(2 * limit + 1, limit)}, counts(blank(1, 2 * limit + 1, 1)));
-
-        // A large colour image: two columns, the second one pixel wider, round-trips through the pool.
-        int width = limit + 1;
-        assertEquals(0, GLSLRender.nativeInitMagicEngine(4, 0));
-        QImage large = rgbImage(width, 3, 2, 1);
-        assertArrayEquals(new int[] {2, 1}, counts(large));
-        QImage copy = blank(width, 3, 3);
-        roundTrip(large, copy, 2, 1, 0);
-        assertArrayEquals(GL.bytes(large), GL.bytes(copy));
-    }
-
-    @Test
-    void rgbaTilesWithRemaindersRoundTripThroughTheBoundFramebuffer() {
-        QImage source = GL.image(7, 5, GL::chartColor);
-        QImage copy = blank(7, 5, 4);
-        byte[] sourceBytes = GL.bytes(source);
-        assertEquals(1, GLSLRender.nativeInitMagicEngine(8, 1));
-        try (GL.Pass copyPass = new GL.Pass(GL.COPY_FRAGMENT)) {
-            for (int row = 0; row < 2; row++) {
-                for (int col = 0; col < 3; col++) {
-                    int[] t = tile(7, 5, col, row, 3, 2);
-                    int[] size = new int[2];
-                    GLSLRender.nativePickJepgToTexture(source, col, row, 3, 2, TILE_TEXTURE, size);
-                    assertArrayEquals(new int[] {t[2], t[3]}, size);
-                    assertArrayEquals(tileRGBA(sourceBytes, 7, 4, t), GL.readTexture(TILE_TEXTURE, t[2], t[3]));
-                    // Slot -1 reads whatever is bound: here the pool's target of the tile's size.
+                if (pass == null) {
+                    GLSLRender.nativeCopyTexturToDataWithShare(TILE_TEXTURE, new byte[t[2] * t[3] * 4], t[2], t[3], slot);
+                    GLSLRender.nativePushJepgFromTexture(copy, col, row, cols, rows, slot);
+                } else {
                     GLSLRender.nativeBeginUseEglImage(t[2], t[3], 1);
-                    copyPass.draw(TILE_TEXTURE, t[2], t[3]);
-                    GLSLRender.nativePushJepgFromTexture(copy, col, row, 3, 2, -1);
+                    pass.draw(TILE_TEXTURE, t[2], t[3]);
+                    GLSLRender.nativePushJepgFromTexture(copy, col, row, cols, rows, -1);
                     GLSLRender.nativeEndUseEglImage(t[2], t[3], 1);
                 }
             }
@@ -158,13 +112,31 @@ class TileTransferTest {
         assertArrayEquals(sourceBytes, GL.bytes(copy));
     }
 
+    /** Counts follow the texture limit (their arithmetic is checked natively); a large image round-trips. */
     @Test
-    void rgbTilesUploadOpaqueAndComeBackWithoutAlpha() {
+    void imagesWiderThanTheTextureLimitSplitIntoTiles() {
+        int limit = 0;
+        for (int size = 1024; size <= 1 << 16 && counts(blank(size, 1, 1))[0] == 1; size *= 2) limit = size;
+        assertTrue(limit >= 2048, "texture limit " + limit);
+        assertArrayEquals(new int[] {2, 1}, counts(blank(limit + 1, 1, 1)));
+        assertArrayEquals(new int[] {1, 2}, counts(blank(1, limit + 1, 1)));
+
+        // Two columns, the second one pixel wider, through the pool.
+        assertEquals(0, GLSLRender.nativeInitMagicEngine(4, 0));
+        QImage large = rgbImage(limit + 1, 3, 2, 1);
+        QImage copy = blank(limit + 1, 3, 3);
+        roundTrip(large, copy, 2, 1, 0, null);
+    }
+
+    @Test
+    void tilesWithRemaindersRoundTripAndLandInPlace() {
+        assertEquals(1, GLSLRender.nativeInitMagicEngine(8, 1));
+        try (GL.Pass copyPass = new GL.Pass(GL.COPY_FRAGMENT)) {
+            roundTrip(GL.image(7, 5, GL::chartColor), blank(7, 5, 4), 3, 2, -1, copyPass);
+        }
         assertEquals(0, GLSLRender.nativeInitMagicEngine(8, 0));
         QImage source = rgbImage(7, 5, 1, 1);
-        QImage copy = blank(7, 5, 3);
-        roundTrip(source, copy, 3, 2, 0);
-        assertArrayEquals(GL.bytes(source), GL.bytes(copy));
+        roundTrip(source, blank(7, 5, 3), 3, 2, 0, null);
 
         // A single tile lands at its place and nowhere else.
         QImage one = blank(7, 5, 3);

@@ -116,12 +116,6 @@ class UploadTest {
             assertArrayEquals(expected, pixels(dst), "offY " + off[0] + " offX " + off[1]);
             assertEquals(0, src.getLockCount() + mask.getLockCount() + dst.getLockCount());
         }
-        Bitmap dst = GL.bitmap(3, 2, (x, y) -> 0);
-        GLSLRender.nativeUpdateScaleBitmap(src, mask, dst, -1, 0);
-        assertEquals(BACKGROUND, dst.getPixel(0, 0));
-        assertEquals(0, dst.getPixel(1, 0));
-        assertEquals(src.getPixel(0, 0), dst.getPixel(0, 1));
-
         // A bitmap that cannot be locked: nothing written, the others unlocked again.
         Bitmap target = GL.bitmap(3, 2, (x, y) -> 0x01020304);
         mask.failNextLocks(1);
