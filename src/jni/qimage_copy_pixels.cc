@@ -20,8 +20,8 @@ void copyPixels(JNIEnv* env, jobject self, jintArray pixels, jboolean mirror, bo
         jniThrowRuntimeException(env, "pixel array is shorter than the image");
         return;
     }
-    ifc::IntArrayElements elements(env, pixels);
-    ifc::writeColorInts(qimage.image, reinterpret_cast<unsigned char*>(elements.get()), mirror, swapRB);
+    ifc::IntElements elements(env, pixels);
+    ifc::writeColorInts(qimage.image, reinterpret_cast<unsigned char*>(elements.data()), mirror, swapRB);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Scope owners for the QImage natives: a deferred exception, a locked
-// bitmap and pinned int-array elements.
+// Scope owners for the QImage natives: a deferred exception and `this`
+// QImage's binding (array and bitmap guards are in jni/jni_guards.h).
 #ifndef IFC_JNI_QIMAGE_GUARDS_H
 #define IFC_JNI_QIMAGE_GUARDS_H
 
@@ -7,6 +7,7 @@
 #include <jni.h>
 
 #include "jni/bridge.h"
+#include "jni/jni_guards.h"
 
 namespace ifc {
 
@@ -35,49 +36,6 @@ private:
     JNIEnv* env_;
     const char* className_ = nullptr;
     const char* message_ = nullptr;
-};
-
-// Locks a bitmap's pixels; unlocks on scope exit unless told to stay locked.
-class BitmapPixels {
-public:
-    BitmapPixels(JNIEnv* env, jobject bitmap) : env_(env), bitmap_(bitmap) {
-        if (AndroidBitmap_lockPixels(env, bitmap, &pixels_) < 0) pixels_ = nullptr;
-    }
-    ~BitmapPixels() {
-        if (pixels_ != nullptr && !keepLocked_) AndroidBitmap_unlockPixels(env_, bitmap_);
-    }
-    BitmapPixels(const BitmapPixels&) = delete;
-    BitmapPixels& operator=(const BitmapPixels&) = delete;
-
-    bool locked() const { return pixels_ != nullptr; }
-    void* get() const { return pixels_; }
-    // The lock outlives this scope (a bound image, or a deliberate leftover).
-    void keepLocked() { keepLocked_ = true; }
-
-private:
-    JNIEnv* env_;
-    jobject bitmap_;
-    void* pixels_ = nullptr;
-    bool keepLocked_ = false;
-};
-
-// GetIntArrayElements, released with mode 0 (copied back) on scope exit.
-class IntArrayElements {
-public:
-    IntArrayElements(JNIEnv* env, jintArray array)
-        : env_(env), array_(array), elements_(env->GetIntArrayElements(array, nullptr)) {}
-    ~IntArrayElements() {
-        if (elements_ != nullptr) env_->ReleaseIntArrayElements(array_, elements_, 0);
-    }
-    IntArrayElements(const IntArrayElements&) = delete;
-    IntArrayElements& operator=(const IntArrayElements&) = delete;
-
-    jint* get() const { return elements_; }
-
-private:
-    JNIEnv* env_;
-    jintArray array_;
-    jint* elements_;
 };
 
 // `this` QImage with its binding handles and current native image.

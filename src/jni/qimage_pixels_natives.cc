@@ -11,7 +11,7 @@
 #include "image_filter/filters.h"
 #include "jni/bridge.h"
 #include "jni/camera_frames.h"
-#include "jni/jni_arrays.h"
+#include "jni/jni_guards.h"
 #include "jni/pixel_kernels.h"
 #include "jni/qimage_pixels.h"
 
@@ -57,20 +57,20 @@ void convert_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int he
     _Image* image = ifc::frame_image_for(GetNativeImage(env, &info, thiz), out_width, out_height);
     image->layout = 0x01020304;
     SetNativeImage(env, &info, thiz, image);
-    ifc::ByteArrayElements frame(env, data);
+    ifc::ByteElements frame(env, data);
     // One message for every format, as Java code matches on it.
     if (frame.data() == nullptr || image->data == nullptr) {
         jniThrowRuntimeException(env, "Out of memory of QImage.DecodeYUV420sp");
         return;
     }
-    const int64_t length = env->GetArrayLength(data);
+    const int64_t length = static_cast<int64_t>(frame.length());
     if (length >= bytes_read) {
-        convert(frame.data(), image->data);
+        convert(frame.bytes(), image->data);
         return;
     }
     // Odd sizes walk a few bytes past the frame: give them zeros.
     std::vector<uint8_t> padded(static_cast<size_t>(bytes_read), 0);
-    std::memcpy(padded.data(), frame.data(), static_cast<size_t>(length));
+    std::memcpy(padded.data(), frame.bytes(), static_cast<size_t>(length));
     convert(padded.data(), image->data);
 }
 

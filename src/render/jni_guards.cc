@@ -1,16 +1,6 @@
 #include "render/jni_guards.h"
 
-#include <cstdio>
-
 #include "jni/bridge.h"
-
-void throwNullArgument(JNIEnv* env, const char* what) { jniThrowNullPointerException(env, what); }
-
-void throwArrayTooShort(JNIEnv* env, const char* what, size_t required, size_t length) {
-    char message[160];
-    snprintf(message, sizeof message, "%s holds %zu elements, %zu needed", what, length, required);
-    jniThrowRuntimeException(env, message);
-}
 
 LockedBitmap::LockedBitmap(JNIEnv* env, jobject bitmap, bool requireRGBA) : env_(env), bitmap_(bitmap) {
     if (bitmap == nullptr) {
