@@ -24,8 +24,7 @@ add_library(ifc::egl ALIAS ifc_egl)
 set(tinyxml2_BUILD_TESTING OFF CACHE BOOL "" FORCE)
 set(BUILD_SHARED_LIBS OFF)
 FetchContent_Declare(tinyxml2
-  GIT_REPOSITORY https://github.com/leethomason/tinyxml2.git
-  GIT_TAG 9.0.0)
+  URL https://github.com/leethomason/tinyxml2/archive/refs/tags/9.0.0.tar.gz)
 FetchContent_MakeAvailable(tinyxml2)
 add_library(ifc_tinyxml2 INTERFACE)
 target_link_libraries(ifc_tinyxml2 INTERFACE tinyxml2::tinyxml2)
