@@ -20,26 +20,20 @@ using Files = std::map<std::string, std::string>;
 
 // Input 0 toned by a vec4, blended with input 1 by a float.
 const char kBlendFragment[] =
-    "precision mediump float;\n"
-    "varying vec2 uv;\n"
-    "uniform sampler2D inputImageTexture;\n"
-    "uniform sampler2D inputImageTexture2;\n"
-    "uniform vec4 tone;\n"
-    "uniform float amount;\n"
+    "precision mediump float; varying vec2 uv;\n"
+    "uniform sampler2D inputImageTexture; uniform sampler2D inputImageTexture2;\n"
+    "uniform vec4 tone; uniform float amount;\n"
     "void main() {\n"
     "  vec4 c = texture2D(inputImageTexture, uv) * tone;\n"
     "  gl_FragColor = mix(c, texture2D(inputImageTexture2, uv), amount);\n"
     "}\n";
 
 const char kPlainFragment[] =
-    "precision mediump float;\n"
-    "varying vec2 uv;\n"
-    "uniform sampler2D inputImageTexture;\n"
+    "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
     "void main() { gl_FragColor = texture2D(inputImageTexture, uv); }\n";
 
 std::string sealedHfe(const std::string& plain) {
-    std::string text;
-    std::string error;
+    std::string text, error;
     filterpack::sealShaderSource(filterpack::SealForm::kHfe, plain, &text, &error);
     return text;
 }
@@ -93,8 +87,7 @@ protected:
 };
 
 TEST_F(LintTest, CleanModelHasNoFinding) {
-    const std::vector<Finding> findings = lint(cleanBundle());
-    for (const Finding& finding : findings) ADD_FAILURE() << filterpack::formatFinding(finding);
+    for (const Finding& finding : lint(cleanBundle())) ADD_FAILURE() << filterpack::formatFinding(finding);
 }
 
 std::string leafWith(const std::string& param) {
@@ -194,12 +187,11 @@ TEST_F(LintTest, CommandPrintsEveryFindingAndFailsOnErrors) {
                  "<relation output=\"0\" input=\"7\" index=\"0\"/></model>");
     const tooltest::CommandResult result = tooltest::runFilterpack("lint " + bundle.root() + " broken");
     EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.output.find("filter/gl/copy.xml:1: error: <glfilter>: has no <fragment> source"),
-              std::string::npos)
-        << result.output;
-    EXPECT_NE(result.output.find("filter/absent/filter.xml: error: missing from the bundle"), std::string::npos);
-    EXPECT_NE(result.output.find("filter/broken/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"),
-              std::string::npos);
+    for (const char* line : {"filter/gl/copy.xml:1: error: <glfilter>: has no <fragment> source",
+                             "filter/absent/filter.xml: error: missing from the bundle",
+                             "filter/broken/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"}) {
+        EXPECT_NE(result.output.find(line), std::string::npos) << line << " not in\n" << result.output;
+    }
 }
 
 }  // namespace

@@ -26,12 +26,7 @@ RgbaImage picture(int width, int height) {
 // The app's path: nativeInitialWithString, nativeRenderContext on its own
 // texture, nativeGetOutputText, then a read-back of that texture.
 std::vector<uint8_t> renderLikeTheApp(const char* package, const RgbaImage& input) {
-    GLuint texture = 0;
-    glGenTextures(1, &texture);
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, input.width, input.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-                 input.pixels.data());
+    const GLuint texture = gltest::makeTexture(input.width, input.height, input.pixels.data());
     std::vector<uint8_t> output;
     {
         HFFilterWraper wraper(package);
@@ -68,8 +63,7 @@ TEST_F(RenderTest, CommandMatchesTheAppPathOnSamplePackages) {
         RgbaImage written;
         std::string error;
         ASSERT_TRUE(filterpack::readImageFile(scratch.root() + "/" + package + ".png", &written, &error)) << error;
-        ASSERT_EQ(written.width, input.width);
-        ASSERT_EQ(written.height, input.height);
+        ASSERT_EQ(std::make_pair(written.width, written.height), std::make_pair(input.width, input.height));
         EXPECT_EQ(written.pixels, renderLikeTheApp(package, input)) << package;
         EXPECT_NE(written.pixels, input.pixels) << package << " changed nothing";
     }
@@ -86,14 +80,6 @@ TEST_F(RenderTest, BrokenPackageFailsWithTheEngineReason) {
     EXPECT_EQ(half.status, 1);
     EXPECT_NE(half.output.find("relation needs"), std::string::npos) << half.output;
     EXPECT_EQ(render(scratch.root(), "half", "none.png").status, 1);
-}
-
-TEST_F(RenderTest, BenchReportsMillisecondsPerFrame) {
-    const tooltest::CommandResult result = tooltest::runFilterpack(std::string("bench ") + SAMPLE_BUNDLE + " mono 64x48 3");
-    ASSERT_EQ(result.status, 0) << result.output;
-    EXPECT_NE(result.output.find("mono 64x48: "), std::string::npos) << result.output;
-    EXPECT_NE(result.output.find(" ms/frame over 3 frames"), std::string::npos);
-    EXPECT_EQ(tooltest::runFilterpack(std::string("bench ") + SAMPLE_BUNDLE + " mono 64 3").status, 2);
 }
 
 }  // namespace
