@@ -179,19 +179,31 @@ TEST_F(LintTest, FollowsAnIncludeCycleOnceAndNamesIt) {
     expectError(lint(files), "filter/loop_b/filter.xml", "include cycle: loop_a -> loop_b -> loop_a");
 }
 
-TEST_F(LintTest, CommandPrintsEveryFindingAndFailsOnErrors) {
+// The commands print the engine's or the linter's reasons and exit with 1.
+TEST(FilterpackCommand, LintAndRenderFailOnBrokenPackages) {
     tooltest::ScratchBundle bundle;
     bundle.write("filter/gl/copy.xml", "<glfilter><vertex>x</vertex></glfilter>");
     bundle.write("filter/broken/filter.xml",
                  "<model><filter implement=\"copy\"/><filter include=\"absent\"/>"
                  "<relation output=\"0\" input=\"7\" index=\"0\"/></model>");
-    const tooltest::CommandResult result = tooltest::runFilterpack("lint " + bundle.root() + " broken");
-    EXPECT_EQ(result.status, 1);
-    for (const char* line : {"filter/gl/copy.xml:1: error: <glfilter>: has no <fragment> source",
-                             "filter/absent/filter.xml: error: missing from the bundle",
-                             "filter/broken/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"}) {
-        EXPECT_NE(result.output.find(line), std::string::npos) << line << " not in\n" << result.output;
-    }
+    bundle.write("filter/half/filter.xml", "<model><filter implement=\"x\"/><relation output=\"0\"/></model>");
+    std::string error;
+    ASSERT_TRUE(filterpack::writePngFile(bundle.root() + "/in.png", {2, 2, std::vector<uint8_t>(16, 9)}, &error));
+    const auto run = [&](const std::string& arguments, std::vector<std::string> lines) {
+        const tooltest::CommandResult result = tooltest::runFilterpack(arguments);
+        EXPECT_EQ(result.status, 1) << arguments;
+        for (const std::string& line : lines) EXPECT_NE(result.output.find(line), std::string::npos) << result.output;
+    };
+    run("lint " + bundle.root() + " broken",
+        {"filter/gl/copy.xml:1: error: <glfilter>: has no <fragment> source",
+         "filter/absent/filter.xml: error: missing from the bundle",
+         "filter/broken/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"});
+    const std::string render = "render " + bundle.root() + " ";
+    const std::string out = " " + bundle.root() + "/out.png";
+    run(render + "absent " + bundle.root() + "/in.png" + out,
+        {"filter package absent (filter/absent/filter.xml): cannot be read"});
+    run(render + "half " + bundle.root() + "/in.png" + out, {"relation needs"});
+    run("render " SAMPLE_BUNDLE " mono " + bundle.root() + "/none.png" + out, {});
 }
 
 }  // namespace

@@ -72,14 +72,14 @@ class FilterDemoTest {
 
     // -Xcheck:jni also flags the JDK's own font natives; only ours count.
     private static List<String> jniWarningsInOurNatives(String output) {
-        List<String> lines = output.lines().toList();
+        List<String> lines = output.lines().map(String::trim).toList();
         List<String> ours = new ArrayList<>();
         for (int i = 0; i < lines.size(); i++) {
             if (!lines.get(i).startsWith("WARNING in native method")) continue;
             int frame = i + 1;
-            while (frame < lines.size() && !lines.get(frame).trim().startsWith("at ")) frame++;
+            while (frame < lines.size() && !lines.get(frame).startsWith("at ")) frame++;
             if (frame < lines.size() && lines.get(frame).contains("com.lumeric.")) {
-                ours.add(lines.get(i) + " " + lines.get(frame).trim());
+                ours.add(lines.get(i) + " " + lines.get(frame));
             }
         }
         return ours;

@@ -2,6 +2,7 @@ package com.lumeric.tools;
 
 import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assumptions.assumeTrue;
 
 import com.lumeric.filter.FilterWraper;
@@ -15,6 +16,7 @@ import java.io.File;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.nio.file.Paths;
+import java.util.Arrays;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
@@ -40,13 +42,15 @@ class FilterpackMatchesAppPathTest {
         ImageIO.write(input, "png", inputPng);
         FilterEngineJNILib.setBundle(new DirectoryBundle(packages));
         try (HostGL gl = HostGL.create(64, 64); QImage image = DirectoryBundle.toQImage(input)) {
-            for (String name : new String[] {"mono", "film_grain", "dreamy"}) {
+            for (String name : new String[] {"mono", "film_grain", "dreamy", "fade_curve"}) {
                 File toolPng = dir.resolve(name + ".png").toFile();
                 Process run = new ProcessBuilder(tool.toString(), "render", packages.toString(), name,
                         inputPng.toString(), toolPng.toString()).redirectErrorStream(true).start();
                 String log = new String(run.getInputStream().readAllBytes());
                 assertEquals(0, run.waitFor(), name + ": " + log);
-                assertArrayEquals(rgba(ImageIO.read(toolPng)), renderInJava(image, name), name);
+                byte[] app = renderInJava(image, name);
+                assertArrayEquals(rgba(ImageIO.read(toolPng)), app, name);
+                assertFalse(Arrays.equals(rgba(input), app), name + " changed nothing");
             }
         } finally {
             FilterEngineJNILib.setBundle(null);
