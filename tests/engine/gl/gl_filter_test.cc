@@ -107,36 +107,32 @@ TEST_F(HFGLFilterTest, FramebufferAttachesOnUnitOneIgnoresZeroSizesAndCleansUp) 
     EXPECT_EQ(0, glInteger(GL_FRAMEBUFFER_BINDING));
 }
 
-TEST_F(HFGLFilterTest, FactoriesTakeFragmentFirstAndBuildOnePass) {
-    shared_ptr<HFGLFilter> filter = HFGLFilter::createFilter(
-        std::vector<std::string>{kSwapFragment, kSecondInputFragment}, std::vector<std::string>{kVertex, kVertex});
-    EXPECT_EQ(GL_TRUE, linkStatus(programOf(*filter)));
-    EXPECT_EQ(1, filter->programCount());
-    EXPECT_FALSE(filter->program(1));
-
-    // The vector constructor builds every pass; pass i's sampler drives input i.
-    HFGLFilter twoPass(std::vector<std::string>{kVertex, kVertex},
-                       std::vector<std::string>{kSwapFragment, kSecondInputFragment});
-    EXPECT_EQ(2, twoPass.programCount());
-    EXPECT_EQ(glGetUniformLocation(programOf(twoPass, 1), "inputImageTexture"), twoPass.samplerLocation(1));
-}
-
 // Uniform values themselves are checked by pixels end to end; here only
 // where they land and what the input size derives.
-TEST_F(HFGLFilterTest, UniformsLandInProgramZeroOnly) {
+TEST_F(HFGLFilterTest, FactoriesBuildOnePassAndUniformsLandInProgramZeroOnly) {
+    shared_ptr<HFGLFilter> factory = HFGLFilter::createFilter(
+        std::vector<std::string>{kSwapFragment, kSecondInputFragment}, std::vector<std::string>{kVertex, kVertex});
+    EXPECT_EQ(GL_TRUE, linkStatus(programOf(*factory)));
+    EXPECT_EQ(1, factory->programCount());
+    EXPECT_FALSE(factory->program(1));
+
+    // The vector constructor takes vertex sources first and builds every
+    // pass; pass i's sampler drives input i.
     HFGLFilter filter(std::vector<std::string>{kVertex, kVertex},
                       std::vector<std::string>{kUniformFragment, kUniformFragment});
+    EXPECT_EQ(2, filter.programCount());
+    EXPECT_EQ(glGetUniformLocation(programOf(filter, 1), "inputImageTexture"), filter.samplerLocation(1));
     filter.setFloat("amount", 0.75f);
     filter.setInputTextureSize(HFSize{640, 480});
 
     const GLuint first = programOf(filter), second = programOf(filter, 1);
     EXPECT_EQ(0.75f, uniformFloat(first, "amount"));
     EXPECT_EQ(0.0f, uniformFloat(second, "amount"));
+    EXPECT_EQ(0, uniformInt(second, "width"));
     EXPECT_EQ(640, uniformInt(first, "width"));
     EXPECT_EQ(480, uniformInt(first, "height"));
     EXPECT_EQ(static_cast<float>(1.0 / 640), uniformFloat(first, "horStep"));
     EXPECT_EQ(static_cast<float>(1.0 / 480), uniformFloat(first, "verStep"));
-    EXPECT_EQ(0, uniformInt(second, "width"));
     filter.setInputTextureSize(HFSize{0, 480});
     EXPECT_TRUE(std::isinf(uniformFloat(first, "horStep")));
 }
