@@ -20,26 +20,20 @@ using Files = std::map<std::string, std::string>;
 
 // Input 0 toned by a vec4, blended with input 1 by a float.
 const char kBlendFragment[] =
-    "precision mediump float;\n"
-    "varying vec2 uv;\n"
-    "uniform sampler2D inputImageTexture;\n"
-    "uniform sampler2D inputImageTexture2;\n"
-    "uniform vec4 tone;\n"
-    "uniform float amount;\n"
+    "precision mediump float; varying vec2 uv;\n"
+    "uniform sampler2D inputImageTexture; uniform sampler2D inputImageTexture2;\n"
+    "uniform vec4 tone; uniform float amount;\n"
     "void main() {\n"
     "  vec4 c = texture2D(inputImageTexture, uv) * tone;\n"
     "  gl_FragColor = mix(c, texture2D(inputImageTexture2, uv), amount);\n"
     "}\n";
 
 const char kPlainFragment[] =
-    "precision mediump float;\n"
-    "varying vec2 uv;\n"
-    "uniform sampler2D inputImageTexture;\n"
+    "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;\n"
     "void main() { gl_FragColor = texture2D(inputImageTexture, uv); }\n";
 
 std::string sealedHfe(const std::string& plain) {
-    std::string text;
-    std::string error;
+    std::string text, error;
     filterpack::sealShaderSource(filterpack::SealForm::kHfe, plain, &text, &error);
     return text;
 }
@@ -93,8 +87,7 @@ protected:
 };
 
 TEST_F(LintTest, CleanModelHasNoFinding) {
-    const std::vector<Finding> findings = lint(cleanBundle());
-    for (const Finding& finding : findings) ADD_FAILURE() << filterpack::formatFinding(finding);
+    for (const Finding& finding : lint(cleanBundle())) ADD_FAILURE() << filterpack::formatFinding(finding);
 }
 
 std::string leafWith(const std::string& param) {
@@ -186,20 +179,31 @@ TEST_F(LintTest, FollowsAnIncludeCycleOnceAndNamesIt) {
     expectError(lint(files), "filter/loop_b/filter.xml", "include cycle: loop_a -> loop_b -> loop_a");
 }
 
-TEST_F(LintTest, CommandPrintsEveryFindingAndFailsOnErrors) {
+// The commands print the engine's or the linter's reasons and exit with 1.
+TEST(FilterpackCommand, LintAndRenderFailOnBrokenPackages) {
     tooltest::ScratchBundle bundle;
     bundle.write("filter/gl/copy.xml", "<glfilter><vertex>x</vertex></glfilter>");
     bundle.write("filter/broken/filter.xml",
                  "<model><filter implement=\"copy\"/><filter include=\"absent\"/>"
                  "<relation output=\"0\" input=\"7\" index=\"0\"/></model>");
-    const tooltest::CommandResult result = tooltest::runFilterpack("lint " + bundle.root() + " broken");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.output.find("filter/gl/copy.xml:1: error: <glfilter>: has no <fragment> source"),
-              std::string::npos)
-        << result.output;
-    EXPECT_NE(result.output.find("filter/absent/filter.xml: error: missing from the bundle"), std::string::npos);
-    EXPECT_NE(result.output.find("filter/broken/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"),
-              std::string::npos);
+    bundle.write("filter/half/filter.xml", "<model><filter implement=\"x\"/><relation output=\"0\"/></model>");
+    std::string error;
+    ASSERT_TRUE(filterpack::writePngFile(bundle.root() + "/in.png", {2, 2, std::vector<uint8_t>(16, 9)}, &error));
+    const auto run = [&](const std::string& arguments, std::vector<std::string> lines) {
+        const tooltest::CommandResult result = tooltest::runFilterpack(arguments);
+        EXPECT_EQ(result.status, 1) << arguments;
+        for (const std::string& line : lines) EXPECT_NE(result.output.find(line), std::string::npos) << result.output;
+    };
+    run("lint " + bundle.root() + " broken",
+        {"filter/gl/copy.xml:1: error: <glfilter>: has no <fragment> source",
+         "filter/absent/filter.xml: error: missing from the bundle",
+         "filter/broken/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"});
+    const std::string render = "render " + bundle.root() + " ";
+    const std::string out = " " + bundle.root() + "/out.png";
+    run(render + "absent " + bundle.root() + "/in.png" + out,
+        {"filter package absent (filter/absent/filter.xml): cannot be read"});
+    run(render + "half " + bundle.root() + "/in.png" + out, {"relation needs"});
+    run("render " SAMPLE_BUNDLE " mono " + bundle.root() + "/none.png" + out, {});
 }
 
 }  // namespace

@@ -16,8 +16,7 @@ namespace {
 using filterpack::SealForm;
 
 std::string sealed(SealForm form, const std::string& plain) {
-    std::string text;
-    std::string error;
+    std::string text, error;
     EXPECT_TRUE(filterpack::sealShaderSource(form, plain, &text, &error)) << error;
     return text;
 }
@@ -49,8 +48,7 @@ TEST(Seal, EveryFormRoundTripsThroughTheDecipherAtBlockBoundaries) {
 }
 
 TEST(Seal, RefusesTextNoFormCarries) {
-    std::string text;
-    std::string error;
+    std::string text, error;
     for (SealForm form : {SealForm::kIos, SealForm::kAes, SealForm::kMee, SealForm::kHfe}) {
         EXPECT_FALSE(filterpack::sealShaderSource(form, std::string("void\0main", 9), &text, &error));
         EXPECT_NE(error.find("offset 4"), std::string::npos) << error;
@@ -63,9 +61,8 @@ TEST(SealCommand, PrintsTheSealedTextAndRejectsUnknownForms) {
     const tooltest::CommandResult ok = tooltest::runFilterpack("seal hfe " + shader);
     ASSERT_EQ(ok.status, 0) << ok.output;
     std::ifstream file(shader);
-    const std::string plain((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    EXPECT_EQ(deciphered(ok.output.substr(0, ok.output.find('\n'))), plain);
-
+    EXPECT_EQ(deciphered(ok.output.substr(0, ok.output.find('\n'))),
+              std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()));
     EXPECT_EQ(tooltest::runFilterpack("seal rot13 " + shader).status, 2);
     EXPECT_EQ(tooltest::runFilterpack("seal ios /nonexistent/shader.frag").status, 1);
 }

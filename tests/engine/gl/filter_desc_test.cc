@@ -131,25 +131,24 @@ TEST_F(FilterDescTest, ParamsParseByTypeAndDropTheUnsupported) {
     });
     EXPECT_NE(std::string::npos, log.find("xml parse error in param"));
     ASSERT_EQ(4u, node->params.size());
-    ASSERT_NE(nullptr, paramAt<HFVec4Param>(node, 0));
-    EXPECT_EQ(4.0f, paramAt<HFVec4Param>(node, 0)->values[3]);
-    const HFMatrix4Param* matrix = paramAt<HFMatrix4Param>(node, 1);
-    ASSERT_NE(nullptr, matrix);
-    EXPECT_EQ(2.0f, matrix->values[0]);
-    EXPECT_EQ(0.0f, matrix->values[1]) << "an empty number leaves its slot 0";
-    EXPECT_EQ(3.0f, matrix->values[2]);
-    const HFCurveParam* curve = paramAt<HFCurveParam>(node, 2);
-    ASSERT_NE(nullptr, curve);
-    EXPECT_EQ(1.0f, curve->values[0]);
-    EXPECT_EQ(0.5f, curve->values[1]);
-    EXPECT_EQ(0.0f, curve->values[2]);
-    ASSERT_NE(nullptr, paramAt<HFCurveParam>(node, 3));
-    EXPECT_EQ(255.0f / 256.0f, paramAt<HFCurveParam>(node, 3)->values[255]) << "capped at 256 entries";
+    const auto* tint = paramAt<HFVec4Param>(node, 0);
+    const auto* matrix = paramAt<HFMatrix4Param>(node, 1);
+    const auto *curve = paramAt<HFCurveParam>(node, 2), *capped = paramAt<HFCurveParam>(node, 3);
+    ASSERT_TRUE(tint && matrix && curve && capped);
+    EXPECT_EQ((std::vector<float>{1, 2, 3, 4}), std::vector<float>(tint->values, tint->values + 4));
+    // An empty number leaves its slot 0.
+    EXPECT_EQ((std::vector<float>{2, 0, 3, 0}), std::vector<float>(matrix->values, matrix->values + 4));
+    EXPECT_EQ((std::vector<float>{1, 0.5f, 0}), std::vector<float>(curve->values, curve->values + 3));
+    EXPECT_EQ(255.0f / 256.0f, capped->values[255]) << "capped at 256 entries";
 }
 
-GLint boundOnUnit(GLenum unit) {
-    glActiveTexture(unit);
-    return glInteger(GL_TEXTURE_BINDING_2D);
+std::vector<GLint> boundOnUnits0To3() {
+    std::vector<GLint> bound;
+    for (GLenum unit = GL_TEXTURE0; unit <= GL_TEXTURE3; ++unit) {
+        glActiveTexture(unit);
+        bound.push_back(glInteger(GL_TEXTURE_BINDING_2D));
+    }
+    return bound;
 }
 
 // What a wrapper's frame leaves bound: inputs on units 2 up, the last
@@ -158,11 +157,7 @@ GLint boundOnUnit(GLenum unit) {
 TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
     describe("frameswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
     write("filter/frame1/filter.xml", "<filter implement='frameswap'/>");
-    GLuint input = 0;
-    glGenTextures(1, &input);
-    glBindTexture(GL_TEXTURE_2D, input);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 4, 4, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-    glBindTexture(GL_TEXTURE_2D, 0);
+    const GLuint input = gltest::makeTexture(4, 4, nullptr);
 
     HFFilterWraper wraper("frame1");
     glEnable(GL_BLEND);
@@ -174,19 +169,16 @@ TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
         EXPECT_FALSE(glIsEnabled(GL_BLEND));
         GLint viewport[4] = {};
         glGetIntegerv(GL_VIEWPORT, viewport);
-        EXPECT_EQ(4, viewport[2]);
-        EXPECT_EQ(4, viewport[3]);
+        EXPECT_EQ((std::vector<GLint>{0, 0, 4, 4}), std::vector<GLint>(viewport, viewport + 4));
         EXPECT_NE(0, glInteger(GL_FRAMEBUFFER_BINDING));
         GLint attached = 0;
         glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
                                               GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &attached);
         EXPECT_EQ(output, attached);
-        EXPECT_EQ(0, boundOnUnit(GL_TEXTURE0));
-        EXPECT_EQ(0, boundOnUnit(GL_TEXTURE1));
-        EXPECT_EQ(static_cast<GLint>(input), boundOnUnit(GL_TEXTURE2));
-        // The first frame sizes the output last; later frames only record the
-        // caller's size, which binds the caller's texture there.
-        EXPECT_EQ(frame == 0 ? output : static_cast<GLint>(input), boundOnUnit(GL_TEXTURE3));
+        // The first frame sizes the output last on unit 3; later frames only
+        // record the caller's size, which binds the caller's texture there.
+        const GLint caller = static_cast<GLint>(input);
+        EXPECT_EQ((std::vector<GLint>{0, 0, caller, frame == 0 ? output : caller}), boundOnUnits0To3());
     }
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glActiveTexture(GL_TEXTURE0);
@@ -201,29 +193,21 @@ TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
     EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError());
 }
 
-// Live GL objects of each kind, found by probing every name up to the next
-// fresh one (Mesa hands out increasing names).
-struct LiveObjects {
-    int textures = 0, framebuffers = 0, programs = 0, shaders = 0;
-    bool operator==(const LiveObjects& o) const {
-        return textures == o.textures && framebuffers == o.framebuffers && programs == o.programs &&
-               shaders == o.shaders;
-    }
-};
-
-LiveObjects countLiveObjects() {
+// Live textures, framebuffers, programs and shaders, found by probing every
+// name up to the next fresh one (Mesa hands out increasing names).
+std::vector<int> countLiveObjects() {
     // A deleted program stays alive while it is current; drop that binding.
     glUseProgram(0);
     GLuint probe[2] = {};
     glGenTextures(1, &probe[0]);
     glGenFramebuffers(1, &probe[1]);
     const GLuint program = glCreateProgram();
-    LiveObjects live;
-    for (GLuint name = 1; name < probe[0]; ++name) live.textures += glIsTexture(name) ? 1 : 0;
-    for (GLuint name = 1; name < probe[1]; ++name) live.framebuffers += glIsFramebuffer(name) ? 1 : 0;
+    std::vector<int> live(4);
+    for (GLuint name = 1; name < probe[0]; ++name) live[0] += glIsTexture(name) ? 1 : 0;
+    for (GLuint name = 1; name < probe[1]; ++name) live[1] += glIsFramebuffer(name) ? 1 : 0;
     for (GLuint name = 1; name < program; ++name) {
-        live.programs += glIsProgram(name) ? 1 : 0;
-        live.shaders += glIsShader(name) ? 1 : 0;
+        live[2] += glIsProgram(name) ? 1 : 0;
+        live[3] += glIsShader(name) ? 1 : 0;
     }
     glDeleteTextures(1, &probe[0]);
     glDeleteFramebuffers(1, &probe[1]);
@@ -237,23 +221,15 @@ TEST_F(FilterDescTest, ThousandWrapperCyclesLeaveNoGLObjectsBehind) {
     describe("cycleswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
     write("filter/cycles1/filter.xml",
           "<model><filter implement='cycleswap'/><filter implement='cycleswap'/></model>");
-    GLuint input = 0;
-    glGenTextures(1, &input);
-    glBindTexture(GL_TEXTURE_2D, input);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 8, 8, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-    glBindTexture(GL_TEXTURE_2D, 0);
+    const GLuint input = gltest::makeTexture(8, 8, nullptr);
 
-    const LiveObjects before = countLiveObjects();
+    const std::vector<int> before = countLiveObjects();
     for (int cycle = 0; cycle < 1000; ++cycle) {
         HFFilterWraper wraper("cycles1");
         wraper.renderTexture(static_cast<int>(input), 8, 8);
         ASSERT_NE(0, wraper.outputTexture());
     }
-    const LiveObjects after = countLiveObjects();
-    EXPECT_TRUE(before == after) << "textures " << before.textures << " -> " << after.textures << ", framebuffers "
-                                 << before.framebuffers << " -> " << after.framebuffers << ", programs "
-                                 << before.programs << " -> " << after.programs << ", shaders " << before.shaders
-                                 << " -> " << after.shaders;
+    EXPECT_EQ(before, countLiveObjects()) << "textures, framebuffers, programs, shaders";
     EXPECT_TRUE(glIsTexture(input)) << "the caller's texture survives";
     glDeleteTextures(1, &input);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);

@@ -2,18 +2,28 @@
 #include <cstring>
 
 #include "engine/gl/gl_filter.h"
+#include "engine/gl/gl_filter_fbo.h"
+#include "engine/gl/gl_filter_program.h"
 #include "gl_test_support.h"
+#include "jni/capture_stderr.h"
 #include "support/gl_fixture.h"
 
 namespace {
 
 using HFGLFilterTest = GLTest;
+using gltest::glInteger;
 using gltest::kSecondInputFragment;
 using gltest::kSwapFragment;
 using gltest::kUniformFragment;
 using gltest::kVertex;
 
 GLuint programOf(const HFGLFilter& filter, int pass = 0) { return filter.program(pass)->program; }
+
+GLint linkStatus(GLuint program) {
+    GLint status = -1;
+    glGetProgramiv(program, GL_LINK_STATUS, &status);
+    return status;
+}
 
 float uniformFloat(GLuint program, const char* name) {
     float value = NAN;
@@ -38,38 +48,91 @@ shared_ptr<IHFTexture> solidTexture(int width, int height, unsigned char r, unsi
     return texture;
 }
 
-TEST_F(HFGLFilterTest, FactoriesTakeFragmentFirstAndBuildOnePass) {
-    shared_ptr<HFGLFilter> filter = HFGLFilter::createFilter(
-        std::vector<std::string>{kSwapFragment, kSecondInputFragment}, std::vector<std::string>{kVertex, kVertex});
-    GLint linked = 0;
-    glGetProgramiv(programOf(*filter), GL_LINK_STATUS, &linked);
-    EXPECT_EQ(GL_TRUE, linked);
-    EXPECT_EQ(1, filter->programCount());
-    EXPECT_FALSE(filter->program(1));
+TEST_F(HFGLFilterTest, ProgramDeciphersLinksAndDeletesWithTheLastHandle) {
+    shared_ptr<GLFilterProgram> program = GLFilterProgram::create(kVertex, gltest::packMee(kSwapFragment).c_str());
+    EXPECT_EQ(GL_TRUE, linkStatus(program->program));
+    EXPECT_GE(program->uniformLocation("inputImageTexture"), 0);
+    const GLuint names[3] = {program->program, program->vertexShader, program->fragmentShader};
 
-    // The vector constructor builds every pass; pass i's sampler drives input i.
-    HFGLFilter twoPass(std::vector<std::string>{kVertex, kVertex},
-                       std::vector<std::string>{kSwapFragment, kSecondInputFragment});
-    EXPECT_EQ(2, twoPass.programCount());
-    EXPECT_EQ(glGetUniformLocation(programOf(twoPass, 1), "inputImageTexture"), twoPass.samplerLocation(1));
+    shared_ptr<GLFilterProgram> second = program;
+    program.release();
+    EXPECT_TRUE(glIsProgram(names[0]));
+    second.release();
+    EXPECT_FALSE(glIsProgram(names[0]) || glIsShader(names[1]) || glIsShader(names[2]));
+}
+
+TEST_F(HFGLFilterTest, ProgramFailuresAreLoggedAndTheRecordSurvives) {
+    shared_ptr<GLFilterProgram> noFragment, bad;
+    EXPECT_NE(std::string::npos, captureStderr([&] { noFragment = GLFilterProgram::create(kVertex, nullptr); })
+                                     .find("Failed to load vertex shader"));
+    EXPECT_EQ(0u, noFragment->fragmentShader);
+    EXPECT_EQ(GL_FALSE, linkStatus(noFragment->program));
+    // Upper-case IOS is no protected form: compiled as given, and it fails.
+    EXPECT_NE(std::string::npos, captureStderr([&] { bad = GLFilterProgram::create(kVertex, "IOS void main"); })
+                                     .find("Shader compile log:"));
+    EXPECT_NE(0u, bad->fragmentShader);
+    EXPECT_EQ(GL_FALSE, linkStatus(bad->program));
+    while (glGetError() != GL_NO_ERROR) {
+    }
+}
+
+TEST_F(HFGLFilterTest, FramebufferAttachesOnUnitOneIgnoresZeroSizesAndCleansUp) {
+    shared_ptr<HFGLTexture> colour = HFGLTexture::createTexture(static_cast<_Image*>(nullptr));
+    colour->resize(8, 4);
+    shared_ptr<GLFilterFBO> fbo = GLFilterFBO::create();
+    fbo->attach(colour);
+    EXPECT_EQ(2, colour.use_count());
+    GLint attached = 0;
+    glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
+                                          GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &attached);
+    EXPECT_EQ(static_cast<GLint>(fbo->framebuffer), glInteger(GL_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(static_cast<GLint>(colour->glTexture()), attached);
+    EXPECT_EQ(GL_TEXTURE1, glInteger(GL_ACTIVE_TEXTURE));
+    EXPECT_EQ(0, glInteger(GL_TEXTURE_BINDING_2D));
+
+    fbo->setSize(8, 4);
+    fbo->setSize(0, 480);
+    fbo->setSize(640, 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    fbo->bind();
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_EQ((std::vector<GLint>{0, 0, 8, 4}), std::vector<GLint>(viewport, viewport + 4));
+    EXPECT_EQ(GL_FRAMEBUFFER_COMPLETE, glCheckFramebufferStatus(GL_FRAMEBUFFER));
+
+    const GLuint name = fbo->framebuffer;
+    fbo.release();
+    EXPECT_FALSE(glIsFramebuffer(name));
+    EXPECT_EQ(1, colour.use_count());
+    EXPECT_EQ(0, glInteger(GL_FRAMEBUFFER_BINDING));
 }
 
 // Uniform values themselves are checked by pixels end to end; here only
 // where they land and what the input size derives.
-TEST_F(HFGLFilterTest, UniformsLandInProgramZeroOnly) {
+TEST_F(HFGLFilterTest, FactoriesBuildOnePassAndUniformsLandInProgramZeroOnly) {
+    shared_ptr<HFGLFilter> factory = HFGLFilter::createFilter(
+        std::vector<std::string>{kSwapFragment, kSecondInputFragment}, std::vector<std::string>{kVertex, kVertex});
+    EXPECT_EQ(GL_TRUE, linkStatus(programOf(*factory)));
+    EXPECT_EQ(1, factory->programCount());
+    EXPECT_FALSE(factory->program(1));
+
+    // The vector constructor takes vertex sources first and builds every
+    // pass; pass i's sampler drives input i.
     HFGLFilter filter(std::vector<std::string>{kVertex, kVertex},
                       std::vector<std::string>{kUniformFragment, kUniformFragment});
+    EXPECT_EQ(2, filter.programCount());
+    EXPECT_EQ(glGetUniformLocation(programOf(filter, 1), "inputImageTexture"), filter.samplerLocation(1));
     filter.setFloat("amount", 0.75f);
     filter.setInputTextureSize(HFSize{640, 480});
 
     const GLuint first = programOf(filter), second = programOf(filter, 1);
     EXPECT_EQ(0.75f, uniformFloat(first, "amount"));
     EXPECT_EQ(0.0f, uniformFloat(second, "amount"));
+    EXPECT_EQ(0, uniformInt(second, "width"));
     EXPECT_EQ(640, uniformInt(first, "width"));
     EXPECT_EQ(480, uniformInt(first, "height"));
     EXPECT_EQ(static_cast<float>(1.0 / 640), uniformFloat(first, "horStep"));
     EXPECT_EQ(static_cast<float>(1.0 / 480), uniformFloat(first, "verStep"));
-    EXPECT_EQ(0, uniformInt(second, "width"));
     filter.setInputTextureSize(HFSize{0, 480});
     EXPECT_TRUE(std::isinf(uniformFloat(first, "horStep")));
 }
@@ -81,12 +144,10 @@ TEST_F(HFGLFilterTest, InputsBindToUnitsTwoToFiveThroughTheirSamplers) {
     filter->setInputTexture(extra, 1);
     EXPECT_EQ(HFSize({4, 4}), filter->inputTextureSize());
     filter->render(nullptr);
-    for (int unit : {2, 3}) {
-        GLint bound = -1;
-        glActiveTexture(GL_TEXTURE0 + unit);
-        glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
-        EXPECT_EQ(static_cast<GLint>(nameOf(unit == 2 ? base : extra)), bound) << "unit " << unit;
-    }
+    glActiveTexture(GL_TEXTURE2);
+    EXPECT_EQ(static_cast<GLint>(nameOf(base)), glInteger(GL_TEXTURE_BINDING_2D));
+    glActiveTexture(GL_TEXTURE3);
+    EXPECT_EQ(static_cast<GLint>(nameOf(extra)), glInteger(GL_TEXTURE_BINDING_2D));
     EXPECT_EQ(2, uniformInt(programOf(*filter), "inputImageTexture"));
     EXPECT_EQ(3, uniformInt(programOf(*filter), "inputImageTexture2"));
     EXPECT_EQ(GL_NO_ERROR, glGetError());
@@ -110,10 +171,8 @@ TEST_F(HFGLFilterTest, RendersExactPixelsAndKeepsThemInTheOutput) {
     filter->setFrameBufferBlendMode(GL_ONE, GL_ONE);
     _Image* out = create_image(2, 2, 4, 8);
     filter->render(out);
-    for (int p = 0; p < 16; p += 4) {
-        const unsigned char swapped[4] = {bytes[p + 2], bytes[p + 1], bytes[p], bytes[p + 3]};
-        EXPECT_EQ(0, memcmp(swapped, out->data + p, 4)) << "pixel " << p / 4;
-    }
+    EXPECT_EQ((std::vector<unsigned char>{50, 100, 200, 255, 3, 2, 1, 4, 128, 255, 0, 64, 7, 8, 9, 6}),
+              std::vector<unsigned char>(out->data, out->data + 16));
     EXPECT_FALSE(glIsEnabled(GL_BLEND));
 
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
@@ -141,11 +200,8 @@ TEST_F(HFGLFilterTest, CurveBecomesAOneRowLuminanceInput) {
     EXPECT_EQ(static_cast<GLenum>(GL_LUMINANCE), lut->textureOptions().internalFormat);
     _Image* out = create_image(4, 1, 4, 16);
     filter->render(out);
-    const unsigned char expected[4] = {0, 64, 255, 44};
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(expected[i], out->data[4 * i]) << i;
-        EXPECT_EQ(255, out->data[4 * i + 3]) << i;
-    }
+    EXPECT_EQ((std::vector<unsigned char>{0, 0, 0, 255, 64, 64, 64, 255, 255, 255, 255, 255, 44, 44, 44, 255}),
+              std::vector<unsigned char>(out->data, out->data + 16));
     free_image(&out);
     filter->setFloatArray(2, nullptr, 4);
     EXPECT_FALSE(filter->getInputTexture(2));
@@ -158,8 +214,7 @@ TEST_F(HFGLFilterTest, TargetIsMadeLazilyAndRebuiltOnlyForANewNonZeroSize) {
     filter->setFilterFBO();
     shared_ptr<GLFilterFBO> first = filter->filterFBO();
     ASSERT_TRUE(first);
-    EXPECT_EQ(16, first->width);
-    EXPECT_EQ(8, first->height);
+    EXPECT_EQ(std::make_pair(16, 8), std::make_pair(first->width, first->height));
     filter->setInputTextureSize(HFSize{16, 8});
     filter->setInputTextureSize(HFSize{0, 480});
     EXPECT_EQ(first.get(), filter->filterFBO().get());
@@ -199,16 +254,13 @@ TEST_F(HFGLFilterTest, DestructionDeletesOwnedNamesOnly) {
     filter->setInputTexture(caller, 0);
     filter->setInputTexture(caller, 4);  // out of range: ignored
     filter->setFilterFBO();
-    const GLuint output = nameOf(filter->outputTexture());
+    const GLuint output = nameOf(filter->outputTexture()), program = programOf(*filter);
     const GLuint framebuffer = filter->filterFBO()->framebuffer;
-    const GLuint program = programOf(*filter);
     EXPECT_EQ(2, caller.use_count());
 
     filter.release();
     glUseProgram(0);  // the current program's deletion waits until it is unbound
-    EXPECT_FALSE(glIsTexture(output));
-    EXPECT_FALSE(glIsFramebuffer(framebuffer));
-    EXPECT_FALSE(glIsProgram(program));
+    EXPECT_FALSE(glIsTexture(output) || glIsFramebuffer(framebuffer) || glIsProgram(program));
     EXPECT_EQ(1, caller.use_count());
     caller.release();
     EXPECT_TRUE(glIsTexture(borrowed));

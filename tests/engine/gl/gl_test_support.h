@@ -57,6 +57,18 @@ inline _Image* makeRGBA(int width, int height, const std::vector<unsigned char>&
     return image;
 }
 
+// A fresh RGBA texture of the caller's, left unbound, tightly packed rows
+// (unpack alignment stays 1, as filterpack leaves it); `pixels` may be null.
+inline GLuint makeTexture(int width, int height, const void* pixels) {
+    GLuint name = 0;
+    glGenTextures(1, &name);
+    glBindTexture(GL_TEXTURE_2D, name);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return name;
+}
+
 inline GLint glInteger(GLenum name) {
     GLint value = 0;
     glGetIntegerv(name, &value);

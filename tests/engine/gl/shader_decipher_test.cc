@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -46,11 +47,8 @@ std::string hex(const Bytes& bytes) {
 }
 
 std::string decipher(const std::string& text) {
-    char* plain = decipherShaderSource(text.c_str());
-    if (plain == nullptr) return "<null>";
-    std::string result(plain);
-    free(plain);
-    return result;
+    std::unique_ptr<char, decltype(&free)> plain(decipherShaderSource(text.c_str()), &free);
+    return plain ? std::string(plain.get()) : "<null>";
 }
 
 TEST(AES128Decipher, InvertsOpenSSLOnRandomKeysAndBlocks) {
@@ -67,23 +65,20 @@ TEST(AES128Decipher, InvertsOpenSSLOnRandomKeysAndBlocks) {
 }
 
 TEST(DecodeHexText, LenientDigitsAndErrorCodes) {
-    uint8_t out[8];
-    EXPECT_EQ(0, decodeHexText("0aFfzz", out, 3));
-    EXPECT_EQ(0x0a, out[0]);
-    EXPECT_EQ(0xff, out[1]);
-    EXPECT_EQ(83, out[2]) << "z is 35: (35 * 16 + 35) mod 256";
-    EXPECT_EQ(0, out[3]);
+    Bytes out(8, 0x5a);
+    // z is 35: (35 * 16 + 35) mod 256 = 83.
+    EXPECT_EQ(0, decodeHexText("0aFfzz", out.data(), 3));
+    EXPECT_EQ((Bytes{0x0a, 0xff, 83, 0, 0x5a}), Bytes(out.begin(), out.begin() + 5));
 
-    memset(out, 0x5a, sizeof out);
-    EXPECT_EQ(-2, decodeHexText("abc", out, 1));
-    EXPECT_EQ(0x5a, out[0]) << "an odd text writes nothing";
+    out.assign(8, 0x5a);
+    EXPECT_EQ(-2, decodeHexText("abc", out.data(), 1));
+    EXPECT_EQ(Bytes(8, 0x5a), out) << "an odd text writes nothing";
     // A bad character, or the text's end, stops decoding and terminates.
-    EXPECT_EQ(-3, decodeHexText("12 3", out, 2));
-    EXPECT_EQ(0, out[1]);
-    EXPECT_EQ(-3, decodeHexText("4142", out, 6));
-    EXPECT_EQ(0, out[2]);
-    EXPECT_EQ(0x5a, out[3]);
-    EXPECT_EQ(-1, decodeHexText(nullptr, out, 1));
+    EXPECT_EQ(-3, decodeHexText("12 3", out.data(), 2));
+    EXPECT_EQ((Bytes{0x12, 0, 0x5a}), Bytes(out.begin(), out.begin() + 3));
+    EXPECT_EQ(-3, decodeHexText("4142", out.data(), 6));
+    EXPECT_EQ((Bytes{0x41, 0x42, 0, 0x5a}), Bytes(out.begin(), out.begin() + 4));
+    EXPECT_EQ(-1, decodeHexText(nullptr, out.data(), 1));
 }
 
 TEST(DecipherShaderSource, ManyBlockFormNeverDeciphersItsLastWholeBlock) {
@@ -108,8 +103,9 @@ TEST(DecipherShaderSource, ManyBlockFormNeverDeciphersItsLastWholeBlock) {
 }
 
 TEST(DecipherShaderSource, OneBlockFormDeciphersOnlyTheFirstBlock) {
-    EXPECT_EQ("uniform float a;", decipher("aes" + hex(encrypt(kShaderCipherKey, padded("uniform float a;", 16)))));
-    EXPECT_EQ("vec4", decipher("aes" + hex(encrypt(kShaderCipherKey, padded("vec4", 16)))));
+    for (const char* text : {"uniform float a;", "vec4"}) {
+        EXPECT_EQ(text, decipher("aes" + hex(encrypt(kShaderCipherKey, padded(text, 16)))));
+    }
     const Bytes two = encrypt(kShaderCipherKey, padded("0123456789abcdef", 16) + padded("ghijklmnopqrstuv", 16));
     const std::string result = decipher("aes" + hex(two));
     EXPECT_EQ("0123456789abcdef", result.substr(0, 16));

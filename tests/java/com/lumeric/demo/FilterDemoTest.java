@@ -17,6 +17,7 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 import java.util.Map;
+import java.util.stream.IntStream;
 import java.util.stream.Stream;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.BeforeAll;
@@ -28,11 +29,8 @@ import org.junit.jupiter.api.io.TempDir;
  * frame through every sample package of the repository.
  */
 class FilterDemoTest {
-    private static final int W = 160;
-    private static final int H = 90;
-
-    private static Path launcher;
-    private static Path packages;
+    private static final int W = 160, H = 90;
+    private static Path launcher, packages;
 
     @BeforeAll
     static void locate() throws URISyntaxException {
@@ -50,8 +48,7 @@ class FilterDemoTest {
                 "--bundle", packages.toString(), "--out", out.toString());
         builder.environment().put("IFC_DEMO_JAVA_OPTIONS", "-Xcheck:jni");
         builder.environment().putAll(environment);
-        builder.redirectErrorStream(true);
-        Process process = builder.start();
+        Process process = builder.redirectErrorStream(true).start();
         String output = new String(process.getInputStream().readAllBytes(), StandardCharsets.UTF_8);
         return new Run(process.waitFor(), output);
     }
@@ -69,22 +66,20 @@ class FilterDemoTest {
     }
 
     private static void assertNear(int[] expected, int[] actual, String where) {
-        for (int c = 0; c < 3; c++) {
-            assertTrue(Math.abs(expected[c] - actual[c]) <= 3,
-                    where + ": expected ~" + Arrays.toString(expected) + ", got " + Arrays.toString(actual));
-        }
+        boolean near = IntStream.range(0, 3).allMatch(c -> Math.abs(expected[c] - actual[c]) <= 3);
+        assertTrue(near, where + ": expected ~" + Arrays.toString(expected) + ", got " + Arrays.toString(actual));
     }
 
     // -Xcheck:jni also flags the JDK's own font natives; only ours count.
     private static List<String> jniWarningsInOurNatives(String output) {
-        List<String> lines = output.lines().toList();
+        List<String> lines = output.lines().map(String::trim).toList();
         List<String> ours = new ArrayList<>();
         for (int i = 0; i < lines.size(); i++) {
             if (!lines.get(i).startsWith("WARNING in native method")) continue;
             int frame = i + 1;
-            while (frame < lines.size() && !lines.get(frame).trim().startsWith("at ")) frame++;
+            while (frame < lines.size() && !lines.get(frame).startsWith("at ")) frame++;
             if (frame < lines.size() && lines.get(frame).contains("com.lumeric.")) {
-                ours.add(lines.get(i) + " " + lines.get(frame).trim());
+                ours.add(lines.get(i) + " " + lines.get(frame));
             }
         }
         return ours;
@@ -99,8 +94,7 @@ class FilterDemoTest {
         // The NV21 round trip keeps colours and orientation: 75% bars along
         // the top (white, then red sixth), dark background at the bottom right.
         BufferedImage input = ImageIO.read(out.resolve("input.png").toFile());
-        assertEquals(W, input.getWidth());
-        assertEquals(H, input.getHeight());
+        assertEquals(List.of(W, H), List.of(input.getWidth(), input.getHeight()));
         assertNear(new int[] {191, 191, 191}, rgb(input, 1 / 16.0, 0.3), "white bar");
         assertNear(new int[] {191, 0, 0}, rgb(input, 11 / 16.0, 0.3), "red bar");
         assertNear(new int[] {0, 0, 191}, rgb(input, 13 / 16.0, 0.3), "blue bar");
@@ -113,8 +107,7 @@ class FilterDemoTest {
             File file = out.resolve(name + ".png").toFile();
             assertTrue(file.length() > 0, name + ".png missing or empty\n" + run.output());
             BufferedImage result = ImageIO.read(file);
-            assertEquals(W, result.getWidth(), name);
-            assertEquals(H, result.getHeight(), name);
+            assertEquals(List.of(W, H), List.of(result.getWidth(), result.getHeight()), name);
             int[] pixels = result.getRGB(0, 0, W, H, null, 0, W);
             assertFalse(Arrays.equals(inputPixels, pixels), name + " left the frame unchanged");
             assertTrue(Arrays.stream(pixels).anyMatch(p -> (p & 0xFFFFFF) != 0), name + " is black");

@@ -2,6 +2,7 @@ package com.lumeric.tools;
 
 import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assumptions.assumeTrue;
 
 import com.lumeric.filter.FilterWraper;
@@ -15,6 +16,7 @@ import java.io.File;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.nio.file.Paths;
+import java.util.Arrays;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
@@ -25,8 +27,7 @@ import org.junit.jupiter.api.io.TempDir;
  * (QImage upload, FilterWraper, read-back), compared byte for byte.
  */
 class FilterpackMatchesAppPathTest {
-    private static final int W = 24;
-    private static final int H = 16;
+    private static final int W = 24, H = 16;
 
     @TempDir Path dir;
 
@@ -41,13 +42,15 @@ class FilterpackMatchesAppPathTest {
         ImageIO.write(input, "png", inputPng);
         FilterEngineJNILib.setBundle(new DirectoryBundle(packages));
         try (HostGL gl = HostGL.create(64, 64); QImage image = DirectoryBundle.toQImage(input)) {
-            for (String name : new String[] {"mono", "film_grain", "dreamy"}) {
+            for (String name : new String[] {"mono", "film_grain", "dreamy", "fade_curve"}) {
                 File toolPng = dir.resolve(name + ".png").toFile();
                 Process run = new ProcessBuilder(tool.toString(), "render", packages.toString(), name,
                         inputPng.toString(), toolPng.toString()).redirectErrorStream(true).start();
                 String log = new String(run.getInputStream().readAllBytes());
                 assertEquals(0, run.waitFor(), name + ": " + log);
-                assertArrayEquals(rgba(ImageIO.read(toolPng)), renderInJava(image, name), name);
+                byte[] app = renderInJava(image, name);
+                assertArrayEquals(rgba(ImageIO.read(toolPng)), app, name);
+                assertFalse(Arrays.equals(rgba(input), app), name + " changed nothing");
             }
         } finally {
             FilterEngineJNILib.setBundle(null);
@@ -67,25 +70,19 @@ class FilterpackMatchesAppPathTest {
 
     private static BufferedImage gradient() {
         BufferedImage image = new BufferedImage(W, H, BufferedImage.TYPE_INT_ARGB);
-        for (int y = 0; y < H; y++) {
-            for (int x = 0; x < W; x++) {
-                image.setRGB(x, y, 0xFF000000 | (x * 10) << 16 | (y * 15) << 8 | ((x + y) * 6));
-            }
+        for (int i = 0; i < W * H; i++) {
+            int x = i % W, y = i / W;
+            image.setRGB(x, y, 0xFF000000 | (x * 10) << 16 | (y * 15) << 8 | ((x + y) * 6));
         }
         return image;
     }
 
     private static byte[] rgba(BufferedImage image) {
+        int[] argb = image.getRGB(0, 0, W, H, null, 0, W);
         byte[] out = new byte[W * H * 4];
-        for (int y = 0; y < H; y++) {
-            for (int x = 0; x < W; x++) {
-                int p = image.getRGB(x, y);
-                int i = (y * W + x) * 4;
-                out[i] = (byte) (p >> 16);
-                out[i + 1] = (byte) (p >> 8);
-                out[i + 2] = (byte) p;
-                out[i + 3] = (byte) (p >>> 24);
-            }
+        for (int i = 0; i < argb.length; i++) {
+            byte[] p = {(byte) (argb[i] >> 16), (byte) (argb[i] >> 8), (byte) argb[i], (byte) (argb[i] >>> 24)};
+            System.arraycopy(p, 0, out, 4 * i, 4);
         }
         return out;
     }
