@@ -49,12 +49,9 @@ class QImageLifecycleTest {
         for (int[] c : cases) {
             try (QImage image = Pixels.image(10, 10)) {
                 image.createSubImage(c[0], c[1], c[2], c[3]);
-                assertArrayEquals(new int[] {c[4], c[5]}, new int[] {image.width, image.height});
-                assertEquals(c[4] * c[5] * 4, image.getByteSize());
-                int[] colors = Pixels.colors(image);
-                for (int y = 0; y < c[5]; y++) {
-                    for (int x = 0; x < c[4]; x++) assertEquals(Pixels.colorAt(x + c[6], y + c[7]), colors[y * c[4] + x]);
-                }
+                assertArrayEquals(new int[] {c[4], c[5], c[4] * c[5] * 4},
+                        new int[] {image.width, image.height, image.getByteSize()});
+                assertArrayEquals(Pixels.grid(c[4], c[5], (x, y) -> Pixels.colorAt(x + c[6], y + c[7])), Pixels.colors(image));
             }
         }
         try (QImage image = Pixels.image(10, 10)) {
@@ -70,8 +67,7 @@ class QImageLifecycleTest {
     void deepCopyIsIndependent() {
         try (QImage image = Pixels.image(5, 3); QImage copy = image.CreateImageFromQImage()) {
             assertNotEquals(image.nativeImage, copy.nativeImage);
-            assertEquals(5, copy.width);
-            assertEquals(4, copy.pixelBytes);
+            assertArrayEquals(new int[] {5, 4}, new int[] {copy.width, copy.pixelBytes});
             assertArrayEquals(Pixels.colors(image), Pixels.colors(copy));
             image.nativeFlip(1, 0);
             assertEquals(Pixels.colorAt(0, 0), Pixels.colors(copy)[0]);

@@ -16,14 +16,10 @@ class QImagePixelsTest {
 
     /** The chart as CopyPixels (colour ints) or CopyPixelsRGB (raw RGBA ints) gives it, rows mirrored or not. */
     private static int[] expected(boolean mirror, boolean raw) {
-        int[] out = new int[W * H];
-        for (int y = 0; y < H; y++) {
-            for (int x = 0; x < W; x++) {
-                int color = Pixels.colorAt(x, y);
-                out[y * W + (mirror ? W - 1 - x : x)] = raw ? Pixels.rawInt(color) : color;
-            }
-        }
-        return out;
+        return Pixels.grid(W, H, (x, y) -> {
+            int color = Pixels.colorAt(mirror ? W - 1 - x : x, y);
+            return raw ? Pixels.rawInt(color) : color;
+        });
     }
 
     @Test
@@ -47,10 +43,7 @@ class QImagePixelsTest {
     void flipsInPlaceWithoutTouchingFields() {
         try (QImage image = Pixels.image(W, H)) {
             assertTrue(image.nativeFlip(1, 1));
-            int[] colors = Pixels.colors(image);
-            for (int y = 0; y < H; y++) {
-                for (int x = 0; x < W; x++) assertEquals(Pixels.colorAt(W - 1 - x, H - 1 - y), colors[y * W + x]);
-            }
+            assertArrayEquals(Pixels.grid(W, H, (x, y) -> Pixels.colorAt(W - 1 - x, H - 1 - y)), Pixels.colors(image));
             image.width = 42;
             assertTrue(image.nativeFlip(0, 1));
             assertEquals(42, image.width);  // not refreshed
@@ -61,13 +54,9 @@ class QImagePixelsTest {
     void rotateTurnsClockwiseSwapsFieldsAndRefusesOtherAngles() {
         try (QImage image = Pixels.image(3, 2); QImage reference = Pixels.image(3, 2)) {
             assertTrue(reference.nativeRotate(90));
-            assertEquals(2, reference.width);
-            assertEquals(3, reference.height);
-            int[] colors = Pixels.colors(reference);
+            assertArrayEquals(new int[] {2, 3}, new int[] {reference.width, reference.height});
             // Each row is an old column read bottom to top.
-            for (int y = 0; y < 3; y++) {
-                for (int x = 0; x < 2; x++) assertEquals(Pixels.colorAt(y, 1 - x), colors[y * 2 + x]);
-            }
+            assertArrayEquals(Pixels.grid(2, 3, (x, y) -> Pixels.colorAt(y, 1 - x)), Pixels.colors(reference));
             assertTrue(reference.nativeRotate(180));  // 270 in all
             assertTrue(image.nativeRotate(-90));
             assertArrayEquals(Pixels.colors(reference), Pixels.colors(image));
