@@ -7,6 +7,7 @@
 
 #include "image_test_util.h"
 
+using ::testing::_;
 using ::testing::ElementsAre;
 
 // Other native code shares these records: nine words in this order on a
@@ -23,12 +24,10 @@ static_assert(sizeof(MRect) == 16 && offsetof(MRect, width) == 8 && sizeof(MPoin
 
 TEST(ImageRecord, CreateImagePadsDerivedStridesOnlyAndRefusesHugeBuffers) {
     ImagePtr padded(create_image(3, 2, 3, 0));
-    EXPECT_EQ(padded->stride, 12);
-    EXPECT_EQ(padded->size, 24u);
+    EXPECT_THAT(shapeOf(*padded), ElementsAre(3, 2, 3, 12, 24));
     EXPECT_EQ(padded->markers, nullptr);
-    EXPECT_EQ(ImagePtr(create_image(3, 2, 3, -1))->stride, 12);
-    ImagePtr exact(create_image(3, 2, 3, 9));
-    EXPECT_EQ(exact->size, 18u);
+    EXPECT_THAT(shapeOf(*ImagePtr(create_image(3, 2, 3, -1))), ElementsAre(3, 2, 3, 12, 24));
+    EXPECT_THAT(shapeOf(*ImagePtr(create_image(3, 2, 3, 9))), ElementsAre(3, 2, 3, 9, 18));
     EXPECT_EQ(ImagePtr(create_image(5, 1, 1, 2))->stride, 2);  // positive strides are not checked
 
     ImagePtr blob(create_image(0, 1, 1, 0));
@@ -40,8 +39,7 @@ TEST(ImageRecord, CreateImagePadsDerivedStridesOnlyAndRefusesHugeBuffers) {
 TEST(ImageRecord, HeaderHasNoBufferAndFreesOnlyTheRecord) {
     _Image* header = create_image_header(3, 2, 4, -1);
     EXPECT_EQ(header->data, nullptr);
-    EXPECT_EQ(header->size, 0u);
-    EXPECT_EQ(header->stride, 12);
+    EXPECT_THAT(shapeOf(*header), ElementsAre(3, 2, 4, 12, 0));
     unsigned char borrowed[24];
     header->data = borrowed;
     free_image_header(&header);  // a freed borrowed buffer would abort under ASan
@@ -52,7 +50,7 @@ TEST(ImageRecord, HeaderHasNoBufferAndFreesOnlyTheRecord) {
 TEST(ImageRecord, InitAndCreateImage2KeepLayoutTag) {
     _Image* image = create_empty_image();
     EXPECT_EQ(image->data, nullptr);
-    EXPECT_EQ(image->stride, 0);
+    EXPECT_THAT(shapeOf(*image), ElementsAre(0, 0, 0, 0, 0));
     image->layout = 0x01020304;
     image->width = 9;
     image_init(image);
@@ -62,8 +60,7 @@ TEST(ImageRecord, InitAndCreateImage2KeepLayoutTag) {
     _ImageMarker marker{};
     image->markers = &marker;
     create_image2(image, 3, 2, 3);
-    EXPECT_EQ(image->stride, 9);  // never padded
-    EXPECT_EQ(image->size, 18u);
+    EXPECT_THAT(shapeOf(*image), ElementsAre(3, 2, 3, 9, 18));  // never padded
     EXPECT_EQ(image->layout, 0x01020304u);
     EXPECT_EQ(image->markers, &marker);
     image->markers = nullptr;
@@ -104,9 +101,7 @@ TEST(ImageRecord, ClearFillsOnlyThePackedPrefixAndDestroyKeepsSizes) {
 
     destroy_image(image.get());  // keeps size and stride
     EXPECT_EQ(image->data, nullptr);
-    EXPECT_EQ(image->width, 0);
-    EXPECT_EQ(image->size, 24u);
-    EXPECT_EQ(image->stride, 12);
+    EXPECT_THAT(shapeOf(*image), ElementsAre(0, _, _, 12, 24));
 }
 
 TEST(ImageRecord, CopyImageKeepsDestinationBuffer) {
@@ -116,8 +111,7 @@ TEST(ImageRecord, CopyImageKeepsDestinationBuffer) {
     unsigned char* buffer = destination->data;
     copy_image(destination.get(), source.get());
     EXPECT_EQ(destination->data, buffer);
-    EXPECT_EQ(destination->width, 2);
-    EXPECT_EQ(destination->size, 8u);
+    EXPECT_THAT(shapeOf(*destination), ElementsAre(2, 2, 1, 4, 8));
     EXPECT_EQ(destination->layout, 3u);
     EXPECT_EQ(bytesOf(buffer, 8), bytesOf(source->data, 8));
 
@@ -138,8 +132,7 @@ TEST(ImageRecord, CopyRoiUsesEachSidesChannelsAndStride) {
     MRect region{1, 1, 2, 2};
     copy_image_roi(source.get(), destination.get(), &region, MPoint{1, 2});
     // Two bytes per row (2 pixels x 1 source channel) at byte 1 x 2 of rows 2, 3.
-    EXPECT_THAT(bytesOf(destination->data + 16, 8), ElementsAre(0, 0, 5, 6, 0, 0, 0, 0));
-    EXPECT_THAT(bytesOf(destination->data + 24, 8), ElementsAre(0, 0, 9, 10, 0, 0, 0, 0));
+    EXPECT_THAT(bytesOf(destination->data + 16, 16), ElementsAre(0, 0, 5, 6, 0, 0, 0, 0, 0, 0, 9, 10, 0, 0, 0, 0));
 
     std::memset(destination->data, 0, destination->size);
     MRect flat{0, 0, 4, 0};

@@ -26,6 +26,11 @@ inline ImagePtr indexedImage(int width, int height, int channels, int stride = 0
     return image;
 }
 
+// width, height, channels, stride, size
+inline std::vector<int> shapeOf(const _Image& image) {
+    return {image.width, image.height, image.channels, image.stride, static_cast<int>(image.size)};
+}
+
 inline std::vector<int> bytesOf(const unsigned char* data, size_t count) {
     return std::vector<int>(data, data + count);
 }

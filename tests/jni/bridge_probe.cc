@@ -10,20 +10,12 @@
 
 namespace {
 
-class Utf8 {
-public:
-    Utf8(JNIEnv* env, jstring text)
-        : env_(env), text_(text), chars_(env->GetStringUTFChars(text, nullptr)) {}
-    ~Utf8() { env_->ReleaseStringUTFChars(text_, chars_); }
-    Utf8(const Utf8&) = delete;
-    Utf8& operator=(const Utf8&) = delete;
-    const char* get() const { return chars_; }
-
-private:
-    JNIEnv* env_;
-    jstring text_;
-    const char* chars_;
-};
+std::string utf(JNIEnv* env, jstring text) {
+    const char* chars = env->GetStringUTFChars(text, nullptr);
+    std::string out(chars);
+    env->ReleaseStringUTFChars(text, chars);
+    return out;
+}
 
 jintArray intArray(JNIEnv* env, std::initializer_list<jint> values) {
     jintArray out = env->NewIntArray(static_cast<jsize>(values.size()));
@@ -85,14 +77,12 @@ PROBE(jintArray, rect)(JNIEnv* env, jclass, jobject rect) {
 }
 
 PROBE(jlong, loadResource)(JNIEnv* env, jclass, jstring path, jint kind) {
-    Utf8 utf(env, path);
-    return toJavaHandle(jniLoadBundleResource(utf.get(), kind));
+    return toJavaHandle(jniLoadBundleResource(utf(env, path).c_str(), kind));
 }
 
 // The callback runs on a thread that Java never called.
 PROBE(jlong, loadResourceOnNativeThread)(JNIEnv* env, jclass, jstring path, jint kind) {
-    Utf8 utf(env, path);
-    std::string copy(utf.get());
+    std::string copy = utf(env, path);
     _Image* image = nullptr;
     std::thread worker([&] { image = jniLoadBundleResource(copy.c_str(), kind); });
     worker.join();
@@ -102,19 +92,15 @@ PROBE(jlong, loadResourceOnNativeThread)(JNIEnv* env, jclass, jstring path, jint
 PROBE(jboolean, envIsCallers)(JNIEnv* env, jclass) { return jniGetEnv() == env; }
 
 PROBE(void, throwNamed)(JNIEnv* env, jclass, jstring className, jstring message) {
-    Utf8 name(env, className);
-    Utf8 text(env, message);
-    jniThrowException(env, name.get(), text.get());
+    jniThrowException(env, utf(env, className).c_str(), utf(env, message).c_str());
 }
 
 PROBE(void, throwNull)(JNIEnv* env, jclass, jstring message) {
-    Utf8 text(env, message);
-    jniThrowNullPointerException(env, text.get());
+    jniThrowNullPointerException(env, utf(env, message).c_str());
 }
 
 PROBE(void, throwRuntime)(JNIEnv* env, jclass, jstring message) {
-    Utf8 text(env, message);
-    jniThrowRuntimeException(env, text.get());
+    jniThrowRuntimeException(env, utf(env, message).c_str());
 }
 
 PROBE(void, checkImage)(JNIEnv* env, jclass, jlong handle) {

@@ -35,6 +35,7 @@ protected:
         const auto& t = quadrantTexels();
         return {t.begin() + index * 4, t.begin() + index * 4 + 4};
     }
+    static std::vector<std::vector<uint8_t>> quadrantCorners() { return {texel(0), texel(1), texel(2), texel(3)}; }
 };
 
 // Flips are checked through the natives; the rotation's pixels here.
@@ -43,12 +44,11 @@ TEST_F(BaseFilteRenderTest, DefaultQuadMapsCornersAndRotationTurnsIt) {
     render.setFragmentShaderSource(kCopyFragment);
     ASSERT_EQ(1, render.InitializeGLProgram());
     ScopedTexture texture(2, 2, quadrantTexels().data());
-    auto corners = renderCorners(render, texture.name());
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(texel(i), corners[i]) << "corner " << i;
+    EXPECT_EQ(quadrantCorners(), renderCorners(render, texture.name()));
 
     // 90 degrees: a vertex (x, y) lands on (y, -x), so bottom-left goes top-left.
     render.Rotation(90);
-    corners = renderCorners(render, texture.name());
+    auto corners = renderCorners(render, texture.name());
     EXPECT_EQ(texel(0), corners[2]);
     EXPECT_EQ(texel(1), corners[0]);
 }
@@ -137,8 +137,7 @@ TEST_F(BaseFilteRenderTest, ExternalTextureTarget) {
         "uniform samplerExternalOES inputImageTexture;\n"
         "void main() { gl_FragColor = texture2D(inputImageTexture, textureCoordinate); }\n");
     ASSERT_EQ(1, render.InitializeGLProgram());
-    auto corners = renderCorners(render, external);
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(texel(i), corners[i]) << "corner " << i;
+    EXPECT_EQ(quadrantCorners(), renderCorners(render, external));
     EXPECT_EQ(GL_NO_ERROR, glGetError());
     glDeleteTextures(1, &external);
     destroyImage(display, image);
@@ -160,8 +159,7 @@ TEST_F(BaseFilteRenderTest, RenderDataProcessFiltersClientPixelsInPlace) {
     EXPECT_EQ(0, currentInt(GL_FRAMEBUFFER_BINDING));
     GLint viewport[4];
     glGetIntegerv(GL_VIEWPORT, viewport);
-    EXPECT_EQ(3, viewport[2]);
-    EXPECT_EQ(2, viewport[3]);
+    EXPECT_EQ((std::vector<GLint>{0, 0, 3, 2}), std::vector<GLint>(viewport, viewport + 4));
 }
 
 TEST_F(BaseFilteRenderTest, ProgramBuildFailuresAndRebuild) {

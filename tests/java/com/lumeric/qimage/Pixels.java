@@ -2,6 +2,7 @@ package com.lumeric.qimage;
 
 import android.graphics.Bitmap;
 import com.lumeric.filter.QImage;
+import java.util.function.IntBinaryOperator;
 
 /** Test images with known pixels and small references of the native formulas. */
 final class Pixels {
@@ -13,11 +14,16 @@ final class Pixels {
         return a << 24 | r << 16 | g << 8 | b;
     }
 
+    /** Row-major values f(x, y) of a width x height grid. */
+    static int[] grid(int width, int height, IntBinaryOperator f) {
+        int[] out = new int[width * height];
+        for (int i = 0; i < out.length; i++) out[i] = f.applyAsInt(i % width, i / width);
+        return out;
+    }
+
     static Bitmap chart(int width, int height) {
         Bitmap bitmap = Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888);
-        for (int y = 0; y < height; y++) {
-            for (int x = 0; x < width; x++) bitmap.setPixel(x, y, colorAt(x, y));
-        }
+        bitmap.setPixels(grid(width, height, Pixels::colorAt), 0, width, 0, 0, width, height);
         return bitmap;
     }
 
@@ -25,24 +31,26 @@ final class Pixels {
         return new QImage().Bitmap2QImage(chart(width, height));
     }
 
+    static int[] colors(Bitmap bitmap) {
+        int[] out = new int[bitmap.getWidth() * bitmap.getHeight()];
+        bitmap.getPixels(out, 0, bitmap.getWidth(), 0, 0, bitmap.getWidth(), bitmap.getHeight());
+        return out;
+    }
+
     /** The image as Android colour ints, read back through a bitmap. */
     static int[] colors(QImage image) {
         Bitmap bitmap = Bitmap.createBitmap(image.width, image.height, Bitmap.Config.ARGB_8888);
         if (!image.ToBitmap(bitmap)) throw new AssertionError("ToBitmap failed");
-        int[] out = new int[image.width * image.height];
-        bitmap.getPixels(out, 0, image.width, 0, 0, image.width, image.height);
-        return out;
+        return colors(bitmap);
     }
 
-    /** Reference RGB_565 packing of the native down-sampler. */
-    static int pack565(int color) {
+    /** A 565 word as the native down-sampler packs it, read back as Bitmap.getPixel expands it. */
+    static int through565(int color) {
         int r = (color >> 16) & 0xFF, g = (color >> 8) & 0xFF, b = color & 0xFF;
-        return (r >> 3) << 11 | ((g << 3) & 0x7E0) | (b >> 3);
-    }
-
-    /** What Bitmap.getPixel returns for a stored 565 word. */
-    static int expand565(int v) {
-        int r = (v >> 11) & 0x1F, g = (v >> 5) & 0x3F, b = v & 0x1F;
+        int v = (r >> 3) << 11 | ((g << 3) & 0x7E0) | (b >> 3);
+        r = (v >> 11) & 0x1F;
+        g = (v >> 5) & 0x3F;
+        b = v & 0x1F;
         return 0xFF000000 | (r << 3 | r >> 2) << 16 | (g << 2 | g >> 4) << 8 | (b << 3 | b >> 2);
     }
 

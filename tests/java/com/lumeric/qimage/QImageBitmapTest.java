@@ -10,24 +10,17 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import android.graphics.Bitmap;
 import com.lumeric.filter.QImage;
+import java.util.Arrays;
 import java.util.Map;
 import java.util.function.Consumer;
 import org.junit.jupiter.api.Test;
 
 class QImageBitmapTest {
-    private static int[] pixelsOf(Bitmap bitmap) {
-        int[] out = new int[bitmap.getWidth() * bitmap.getHeight()];
-        bitmap.getPixels(out, 0, bitmap.getWidth(), 0, 0, bitmap.getWidth(), bitmap.getHeight());
-        return out;
-    }
-
     @Test
     void bitmapToQImageOwnsACopy() {
         Bitmap bitmap = Pixels.chart(4, 3);
         try (QImage image = new QImage().Bitmap2QImage(bitmap)) {
-            assertEquals(4, image.width);
-            assertEquals(4, image.pixelBytes);
-            assertEquals(48, image.getByteSize());
+            assertArrayEquals(new int[] {4, 4, 48}, new int[] {image.width, image.pixelBytes, image.getByteSize()});
             assertEquals(0, bitmap.getLockCount());
             bitmap.setPixel(0, 0, 0);
             assertEquals(Pixels.colorAt(0, 0), Pixels.colors(image)[0]);
@@ -39,17 +32,16 @@ class QImageBitmapTest {
         try (QImage image = Pixels.image(4, 3)) {
             Bitmap target = Bitmap.createBitmap(4, 3, Bitmap.Config.ARGB_8888);
             assertTrue(image.FromBitmap(target));
-            assertArrayEquals(Pixels.colors(image), pixelsOf(target));
+            assertArrayEquals(Pixels.colors(image), Pixels.colors(target));
             assertEquals(0, target.getLockCount());
 
             Bitmap larger = Bitmap.createBitmap(8, 8, Bitmap.Config.ARGB_8888);
             assertTrue(image.FromBitmap(larger));  // copies only what the image holds
-            assertEquals(Pixels.colorAt(3, 2), pixelsOf(larger)[11]);
-            assertEquals(0, pixelsOf(larger)[12]);
+            assertArrayEquals(new int[] {Pixels.colorAt(3, 2), 0}, Arrays.copyOfRange(Pixels.colors(larger), 11, 13));
 
             Bitmap smaller = Bitmap.createBitmap(2, 2, Bitmap.Config.ARGB_8888);
             assertTrue(image.FromBitmap(smaller));  // the first 4 pixels of row 0
-            assertEquals(Pixels.colorAt(2, 0), pixelsOf(smaller)[2]);
+            assertEquals(Pixels.colorAt(2, 0), Pixels.colors(smaller)[2]);
         }
     }
 
@@ -60,18 +52,13 @@ class QImageBitmapTest {
             assertTrue(image.ToBitmap(small));
             assertEquals(0, small.getLockCount());
             // Every 2nd column and every 3rd row.
-            for (int j = 0; j < 100; j += 7) {
-                for (int i = 0; i < 200; i += 3) {
-                    int expected = Pixels.expand565(Pixels.pack565(Pixels.colorAt(2 * i, 3 * j)));
-                    assertEquals(expected, small.getPixel(i, j), "pixel " + i + "," + j);
-                }
-            }
+            assertArrayEquals(Pixels.grid(200, 100, (x, y) -> Pixels.through565(Pixels.colorAt(2 * x, 3 * y))),
+                    Pixels.colors(small));
         }
         try (QImage image = Pixels.image(2, 2)) {
             Bitmap big = Bitmap.createBitmap(3, 3, Bitmap.Config.RGB_565);
             assertTrue(image.ToBitmap(big));  // ratio 0: pixel 0 everywhere
-            int expected = Pixels.expand565(Pixels.pack565(Pixels.colorAt(0, 0)));
-            for (int v : pixelsOf(big)) assertEquals(expected, v);
+            assertArrayEquals(Pixels.grid(3, 3, (x, y) -> Pixels.through565(Pixels.colorAt(0, 0))), Pixels.colors(big));
 
             Bitmap alpha = Bitmap.createBitmap(2, 2, Bitmap.Config.ALPHA_8);
             assertTrue(image.ToBitmap(alpha));
@@ -88,10 +75,8 @@ class QImageBitmapTest {
         Bitmap bitmap = Pixels.chart(3, 2);
         QImage bound = new QImage().BindBitmap(bitmap);
         assertNotEquals(0, bound.nativeImage);
-        assertEquals(3, bound.width);
-        assertEquals(4, bound.pixelBytes);
-        assertEquals(0, bound.getByteSize());
-        assertEquals(1, bitmap.getLockCount());
+        assertArrayEquals(new int[] {3, 4, 0, 1},
+                new int[] {bound.width, bound.pixelBytes, bound.getByteSize(), bitmap.getLockCount()});
 
         bound.nativeFlip(1, 0);  // works on the bitmap's own pixels
         assertEquals(Pixels.colorAt(2, 0), bitmap.getPixel(0, 0));

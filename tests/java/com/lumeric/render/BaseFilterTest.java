@@ -19,13 +19,12 @@ class BaseFilterTest {
     private static final int SIZE = 64;
     private static final int CHART = 51;
     private final BaseFilter filter = new BaseFilter();
+    private final byte[] chart = GL.rgba(SIZE, SIZE, GL::chartColor);
     private HostGL gl;
-    private byte[] chart;
 
     @BeforeEach
     void context() {
         gl = HostGL.create(SIZE, SIZE);
-        chart = GL.rgba(SIZE, SIZE, GL::chartColor);
         GLSLRender.nativeTextImage(GL.image(SIZE, SIZE, GL::chartColor), CHART);
     }
 
@@ -46,15 +45,8 @@ class BaseFilterTest {
     }
 
     /** The chart with columns or rows reversed. */
-    private byte[] mirrored(boolean columns, boolean rows) {
-        byte[] out = new byte[chart.length];
-        for (int y = 0; y < SIZE; y++) {
-            for (int x = 0; x < SIZE; x++) {
-                int from = ((rows ? SIZE - 1 - y : y) * SIZE + (columns ? SIZE - 1 - x : x)) * 4;
-                System.arraycopy(chart, from, out, (y * SIZE + x) * 4, 4);
-            }
-        }
-        return out;
+    private static byte[] mirrored(boolean columns, boolean rows) {
+        return GL.rgba(SIZE, SIZE, (x, y) -> GL.chartColor(columns ? SIZE - 1 - x : x, rows ? SIZE - 1 - y : y));
     }
 
     @Test
@@ -76,23 +68,16 @@ class BaseFilterTest {
     void flipsMirrorTheQuadAndRotationStartsAfresh() {
         long handle = copyFilter();
         assertArrayEquals(chart, render(handle));
-        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 1, 0));
-        assertArrayEquals(mirrored(true, false), render(handle));
-        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 0, 1));
-        assertArrayEquals(mirrored(false, true), render(handle), "the earlier flip is discarded");
-        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 1, 1));
-        assertArrayEquals(mirrored(true, true), render(handle));
-        assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, 0, 0));
-        assertArrayEquals(chart, render(handle));
+        for (int[] f : new int[][] {{1, 0}, {0, 1}, {1, 1}, {0, 0}}) {
+            assertEquals(1, filter.nativeSetRotationAndFlip(handle, 0, f[0], f[1]));
+            assertArrayEquals(mirrored(f[0] == 1, f[1] == 1), render(handle), "earlier flips are discarded");
+        }
 
         // The model matrix from Java replaces the rotation; the texture matrix mirrors s.
-        float[] mirrorX = {-1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-        assertEquals(1, filter.nativeUpdateModelMatrix(handle, mirrorX));
+        assertEquals(1, filter.nativeUpdateModelMatrix(handle, new float[] {-1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}));
         assertArrayEquals(mirrored(true, false), render(handle));
-        float[] identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-        filter.nativeUpdateModelMatrix(handle, identity);
-        float[] flipT = {1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 1, 0, 0, 1, 0, 1};
-        assertEquals(1, filter.nativeUpdateMatrix(handle, flipT));
+        filter.nativeUpdateModelMatrix(handle, new float[] {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1});
+        assertEquals(1, filter.nativeUpdateMatrix(handle, new float[] {1, 0, 0, 0, 0, -1, 0, 0, 0, 0, 1, 0, 0, 1, 0, 1}));
         assertArrayEquals(mirrored(false, true), render(handle));
         filter.nativeClear(handle);
     }
@@ -107,16 +92,10 @@ class BaseFilterTest {
         // Texture coordinates all at the centre of a 1 x 1 texture: a solid colour.
         assertEquals(1, filter.nativeSetTexCords(handle, new float[] {.5f, .5f, .5f, .5f, .5f, .5f, .5f, .5f}));
         filter.nativeRenderTexture(handle, CHART + 1, 1, 1);
-        byte[] after = GL.readFramebuffer(SIZE, SIZE);
-        for (int y = 0; y < SIZE; y++) {
-            for (int x = 0; x < SIZE; x++) {
-                int at = (y * SIZE + x) * 4;
-                byte[] expected = x < SIZE / 2 ? new byte[] {0x0A, 0x14, 0x1E, (byte) 0xFF}
-                        : new byte[] {before[at], before[at + 1], before[at + 2], before[at + 3]};
-                assertArrayEquals(expected, new byte[] {after[at], after[at + 1], after[at + 2], after[at + 3]},
-                        "pixel " + x + "," + y);
-            }
+        for (int i = 0; i < SIZE * SIZE; i++) {
+            if (i % SIZE < SIZE / 2) System.arraycopy(new byte[] {0x0A, 0x14, 0x1E, (byte) 0xFF}, 0, before, i * 4, 4);
         }
+        assertArrayEquals(before, GL.readFramebuffer(SIZE, SIZE));
         filter.nativeClear(handle);
     }
 

@@ -5,7 +5,9 @@ import static org.junit.jupiter.api.Assertions.assertEquals;
 
 import com.lumeric.filter.GLSLRender;
 import com.lumeric.host.HostGL;
+import java.util.Arrays;
 import java.util.function.IntBinaryOperator;
+import java.util.stream.IntStream;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
@@ -54,29 +56,20 @@ class BrightnessCurveTest {
 
     /** The native's state, kept in Java the same way. */
     private static final class Reference {
-        final int[] lut = new int[256];
-        final int[] running = new int[256];
+        final int[] lut = identity(), running = new int[256];
         int[][] history;
         int frames;
 
-        void reset(int frameCount) {
-            for (int i = 0; i < 256; i++) lut[i] = i;
-            java.util.Arrays.fill(running, 0);
-            frames = 0;
+        Reference(int frameCount) {
             history = new int[frameCount][256];
         }
 
         /** The table the texture holds afterwards, or null when nothing is uploaded. */
         int[] frame(IntBinaryOperator colors, int index, int frameCount, float gammaScale) {
-            final float lowFrac = 0.05f, highFrac = 0.95f, threshold = 0.1f;
             int[] h = new int[256];
-            for (int y = 0; y < SIDE; y++) {
-                for (int x = 0; x < SIDE; x++) {
-                    int c = colors.applyAsInt(x, y);
-                    h[(c >> 16) & 0xFF]++;
-                    h[(c >> 8) & 0xFF]++;
-                    h[c & 0xFF]++;
-                }
+            for (int i = 0; i < SIDE * SIDE; i++) {
+                int c = colors.applyAsInt(i % SIDE, i / SIDE);
+                for (int shift = 0; shift <= 16; shift += 8) h[(c >> shift) & 0xFF]++;
             }
             long change = 0;
             for (int i = 0; i < 256; i++) {
@@ -86,11 +79,12 @@ class BrightnessCurveTest {
             }
             frames++;
             if ((float) change / (float) (SIDE * SIDE) >= 5.0f) {
-                reset(frameCount);
-                return lut.clone();
+                Arrays.fill(running, 0);
+                frames = 0;
+                history = new int[frameCount][256];
             }
             if (frames < frameCount) {
-                for (int i = 0; i < 256; i++) lut[i] = i;
+                System.arraycopy(identity(), 0, lut, 0, 256);
                 return lut.clone();
             }
             long total = 0, weighted = 0;
@@ -98,50 +92,36 @@ class BrightnessCurveTest {
                 total += running[i];
                 weighted += (long) i * running[i];
             }
-            int lowTarget = (int) ((float) total * lowFrac), highTarget = (int) ((float) total * highFrac);
+            int lowTarget = (int) ((float) total * 0.05f), highTarget = (int) ((float) total * 0.95f);
             int low = -1, high = 255;
             long sum = 0;
             for (int i = 0; i < 256 && low < 0; i++) {
                 sum += running[i];
                 if (sum > lowTarget) low = i;
             }
-            if (low < 0) {
-                low = 0;
-            } else {
-                for (int i = low + 1; i < 256; i++) {
-                    sum += running[i];
-                    if (sum > highTarget) {
-                        high = i;
-                        break;
-                    }
-                }
-            }
+            if (low < 0) low = 0;
+            else for (int i = low + 1; i < 256 && high == 255; i++) if ((sum += running[i]) > highTarget) high = i;
             long mean = weighted / total;
             float norm = high > low ? (float) (mean - low) / (float) (high - low) : 0f;
-            if (norm < threshold || high <= 99) return null;
+            if (norm < 0.1f || high <= 99) return null;
             float gamma = (float) (Math.log(0.5) / Math.log(norm));
-            gamma = gamma < 0.1f ? 0.1f : gamma > 10.0f ? 10.0f : gamma;
-            gamma *= gammaScale;
-            for (int i = 0; i < low; i++) lut[i] = 0;
+            gamma = (gamma < 0.1f ? 0.1f : gamma > 10.0f ? 10.0f : gamma) * gammaScale;
+            Arrays.fill(lut, 0, low, 0);
             for (int k = 0; k < high - low; k++) {
                 lut[low + k] = (int) (long) (Math.pow((float) k / (float) (high - low), gamma) * 255.0) & 0xFF;
             }
-            for (int i = high; i < 256; i++) lut[i] = 255;
+            Arrays.fill(lut, high, 256, 255);
             return lut.clone();
         }
     }
 
     private static int[] identity() {
-        int[] out = new int[256];
-        for (int i = 0; i < 256; i++) out[i] = i;
-        return out;
+        return IntStream.range(0, 256).toArray();
     }
 
     /** What a 256-wide read of the untouched placeholder shows: its middle row, 64 texels per entry. */
     private static int[] placeholder() {
-        int[] out = new int[256];
-        for (int i = 0; i < 256; i++) out[i] = PLACEHOLDER[4 + i / 64];
-        return out;
+        return IntStream.range(0, 256).map(i -> PLACEHOLDER[4 + i / 64]).toArray();
     }
 
     /** Shows the frame, runs one step of the curve with the LUT texture bound, and reads the texture back. */
@@ -167,8 +147,7 @@ class BrightnessCurveTest {
     @Test
     void identityUntilEnoughFramesThenTheGammaCurve() {
         for (float scale : new float[] {1f, 2f}) {
-            Reference ref = new Reference();
-            ref.reset(2);
+            Reference ref = new Reference(2);
             assertArrayEquals(identity(), reset(2));
             assertArrayEquals(ref.frame(BRIGHT, 0, 2, scale), step(BRIGHT, 0, 2, scale));
             int[] curve = ref.frame(BRIGHT, 1, 2, scale);

@@ -5,6 +5,7 @@ import com.lumeric.filter.BaseFilter;
 import com.lumeric.filter.GLSLRender;
 import com.lumeric.filter.QImage;
 import java.nio.ByteBuffer;
+import java.util.Arrays;
 import java.util.function.IntBinaryOperator;
 
 /**
@@ -22,7 +23,7 @@ final class GL {
     /** A pool slot no engine ever uses: reads go straight to a temporary framebuffer. */
     static final int NO_POOL = 4;
 
-    /** Distinct opaque-or-not RGBA bytes per pixel, as an Android colour int. */
+    /** Distinct RGBA bytes per pixel, alpha varying too. */
     static int chartColor(int x, int y) {
         int r = (x * 7 + 3) & 0xFF, g = (y * 11 + 5) & 0xFF, b = (x * 13 + y * 3) & 0xFF, a = (250 - x - y) & 0xFF;
         return a << 24 | r << 16 | g << 8 | b;
@@ -30,23 +31,20 @@ final class GL {
 
     static Bitmap bitmap(int width, int height, IntBinaryOperator colorAt) {
         Bitmap bitmap = Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888);
-        for (int y = 0; y < height; y++) {
-            for (int x = 0; x < width; x++) bitmap.setPixel(x, y, colorAt.applyAsInt(x, y));
-        }
+        for (int y = 0; y < height; y++) for (int x = 0; x < width; x++) bitmap.setPixel(x, y, colorAt.applyAsInt(x, y));
         return bitmap;
+    }
+
+    static Bitmap blank(int width, int height) {
+        return Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888);
     }
 
     /** Bytes in memory order (R, G, B and, for 4 channels, A), rows top to bottom. */
     static byte[] pixels(int width, int height, int channels, IntBinaryOperator colorAt) {
         byte[] out = new byte[width * height * channels];
-        for (int y = 0; y < height; y++) {
-            for (int x = 0; x < width; x++) {
-                int c = colorAt.applyAsInt(x, y), i = (y * width + x) * channels;
-                out[i] = (byte) (c >> 16);
-                out[i + 1] = (byte) (c >> 8);
-                out[i + 2] = (byte) c;
-                if (channels == 4) out[i + 3] = (byte) (c >>> 24);
-            }
+        for (int i = 0; i < width * height; i++) {
+            int c = colorAt.applyAsInt(i % width, i / width);
+            for (int k = 0; k < channels; k++) out[i * channels + k] = (byte) (c >>> (k == 3 ? 24 : 16 - 8 * k));
         }
         return out;
     }
@@ -55,20 +53,39 @@ final class GL {
         return pixels(width, height, 4, colorAt);
     }
 
-    /** A 4-channel QImage holding the colours. */
+    static byte[] solid(int bytes, int value) {
+        byte[] out = new byte[bytes];
+        Arrays.fill(out, (byte) value);
+        return out;
+    }
+
     static QImage image(int width, int height, IntBinaryOperator colorAt) {
         return new QImage().Bitmap2QImage(bitmap(width, height, colorAt));
     }
 
+    static QImage blank(int width, int height, int channels) {
+        QImage image = new QImage();
+        image.CreateImage(width, height, channels);
+        return image;
+    }
+
+    static byte[] bytes(Bitmap bitmap) {
+        ByteBuffer out = ByteBuffer.allocate(bitmap.getByteCount());
+        bitmap.copyPixelsToBuffer(out);
+        return out.array();
+    }
+
+    static int[] colors(Bitmap bitmap) {
+        int[] out = new int[bitmap.getWidth() * bitmap.getHeight()];
+        bitmap.getPixels(out, 0, bitmap.getWidth(), 0, 0, bitmap.getWidth(), bitmap.getHeight());
+        return out;
+    }
+
     /** The first channels x width x height bytes of an image, as stored. */
     static byte[] bytes(QImage image) {
-        Bitmap bitmap = Bitmap.createBitmap(image.width, image.height, Bitmap.Config.ARGB_8888);
+        Bitmap bitmap = blank(image.width, image.height);
         if (!image.FromBitmap(bitmap)) throw new AssertionError("FromBitmap failed");
-        ByteBuffer all = ByteBuffer.allocate(bitmap.getByteCount());
-        bitmap.copyPixelsToBuffer(all);
-        byte[] out = new byte[image.width * image.height * image.pixelBytes];
-        System.arraycopy(all.array(), 0, out, 0, out.length);
-        return out;
+        return Arrays.copyOf(bytes(bitmap), image.width * image.height * image.pixelBytes);
     }
 
     /** The texture's level 0 as RGBA bytes, read through a temporary framebuffer. */
@@ -85,14 +102,6 @@ final class GL {
         return out;
     }
 
-    /** Rows of tightly packed pixels in reverse order. */
-    static byte[] flipRows(byte[] pixels, int rowBytes) {
-        byte[] out = new byte[pixels.length];
-        int rows = pixels.length / rowBytes;
-        for (int r = 0; r < rows; r++) System.arraycopy(pixels, r * rowBytes, out, (rows - 1 - r) * rowBytes, rowBytes);
-        return out;
-    }
-
     /** A BaseFilter with a built program from the default vertex shader and the given fragment shader. */
     static final class Pass implements AutoCloseable {
         final BaseFilter filter = new BaseFilter();
@@ -100,6 +109,10 @@ final class GL {
 
         Pass(String fragment) {
             handle = filter.nativeInitialWithString(0, false, null, fragment);
+            build();
+        }
+
+        private void build() {
             if (filter.nativeApplyFilter(handle) == 0) throw new AssertionError("program did not build");
         }
 
@@ -109,7 +122,7 @@ final class GL {
          * switch it, so the program is rebuilt (and made current) first.
          */
         void draw(int texture, int width, int height) {
-            if (filter.nativeApplyFilter(handle) == 0) throw new AssertionError("program did not build");
+            build();
             filter.nativeRenderTexture(handle, texture, width, height);
         }
 

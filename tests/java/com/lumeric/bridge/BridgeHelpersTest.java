@@ -1,0 +1,155 @@
+package com.lumeric.bridge;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertDoesNotThrow;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertNotNull;
+import static org.junit.jupiter.api.Assertions.assertSame;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import android.graphics.Bitmap;
+import com.lumeric.filter.MRect;
+import com.lumeric.filter.QImage;
+import com.lumeric.util.Coffee;
+import com.lumeric.util.FilterEngineJNILib;
+import org.junit.jupiter.api.Test;
+
+/** The bridge's exported helpers driven through the probe: exceptions, QImage fields, bitmaps. */
+class BridgeHelpersTest {
+    private static Bitmap filled(int w, int h, int color) {
+        Bitmap bitmap = Bitmap.createBitmap(w, h, Bitmap.Config.ARGB_8888);
+        for (int i = 0; i < w * h; i++) bitmap.setPixel(i % w, i / w, color);
+        return bitmap;
+    }
+
+    /** ARGB colour int of the RGBA bytes b, b+1, b+2, b+3 of the probe's pattern. */
+    private static int patternPixel(int b) {
+        return ((b + 3) << 24) | (b << 16) | ((b + 1) << 8) | (b + 2);
+    }
+
+    private static void assertMessage(Class<? extends Throwable> type, String text, Runnable call) {
+        Throwable e = assertThrows(Throwable.class, call::run);
+        assertSame(type, e.getClass());
+        assertEquals(text, e.getMessage());
+    }
+
+    @Test
+    void exceptionsCarryClassAndText() {
+        assertMessage(IllegalStateException.class, "named text",
+                () -> BridgeProbe.throwNamed("java/lang/IllegalStateException", "named text"));
+        assertMessage(NullPointerException.class, "npe text", () -> BridgeProbe.throwNull("npe text"));
+        assertMessage(RuntimeException.class, "rt text", () -> BridgeProbe.throwRuntime("rt text"));
+        assertThrows(NoClassDefFoundError.class, () -> BridgeProbe.throwNamed("com/lumeric/NoSuchException", "lost"));
+        assertEquals("Lm7q-Fx2Rw9t_Kp4Zc8v!Nh3", Coffee.getDESSignKey());
+        assertEquals("Lm7q-Fx2Rw9t_Kp4Zc8v!Nh3", Coffee.getDESSignKey());
+    }
+
+    @Test
+    void bindingLocksAndDescribesAs4ChannelsWhateverTheFormat() {
+        Bitmap rgba = filled(3, 2, 0xFF102030);
+        long header = BridgeProbe.bind(rgba);
+        assertEquals(1, rgba.getLockCount());
+        assertArrayEquals(new int[] {3, 2, 4, 12, 0, 1}, BridgeProbe.describe(header));
+        BridgeProbe.unbind(rgba, header);
+        assertEquals(0, rgba.getLockCount());
+
+        Bitmap rgb565 = Bitmap.createBitmap(3, 2, Bitmap.Config.RGB_565);
+        long quirky = BridgeProbe.bind(rgb565);
+        assertArrayEquals(new int[] {3, 2, 4, 12, 0, 1}, BridgeProbe.describe(quirky));
+        BridgeProbe.unbind(rgb565, quirky);
+    }
+
+    @Test
+    void failedLockGivesAHeaderWithoutPixelsThatCheckImageRefuses() {
+        assertMessage(RuntimeException.class, "image is empty", () -> BridgeProbe.checkImage(0));
+        Bitmap bitmap = filled(2, 2, 0);
+        bitmap.failNextLocks(1);
+        long header = BridgeProbe.bind(bitmap);
+        try {
+            assertArrayEquals(new int[] {2, 2, 4, 8, 0, 0}, BridgeProbe.describe(header));
+            assertMessage(RuntimeException.class, "image is empty", () -> BridgeProbe.checkImage(header));
+        } finally {
+            BridgeProbe.unbind(bitmap, header);
+        }
+        assertEquals(0, bitmap.getLockCount());
+        long image = BridgeProbe.newImage(1, 1, 1);
+        assertDoesNotThrow(() -> BridgeProbe.checkImage(image));
+        BridgeProbe.freeImage(image);
+    }
+
+    @Test
+    void copyWritesTheImageBytesInOrderAndStopsAtTheBitmapsEnd() {
+        long image = BridgeProbe.newImage(2, 2, 4), big = BridgeProbe.newImage(4, 4, 4);
+        try {
+            Bitmap bitmap = filled(2, 2, 0);
+            assertEquals(0, FilterEngineJNILib.nativeCopyImage(bitmap, image));
+            assertArrayEquals(new int[] {patternPixel(0), patternPixel(4), patternPixel(8), patternPixel(12)},
+                    new int[] {bitmap.getPixel(0, 0), bitmap.getPixel(1, 0), bitmap.getPixel(0, 1), bitmap.getPixel(1, 1)});
+            assertEquals(0, bitmap.getLockCount());
+            Bitmap small = filled(2, 2, 0);
+            FilterEngineJNILib.nativeCopyImage(small, big);
+            // Flat bytes: the bitmap's second row holds the image's row 0, pixels 2 and 3.
+            assertEquals(patternPixel(12), small.getPixel(1, 1));
+        } finally {
+            BridgeProbe.freeImage(image);
+            BridgeProbe.freeImage(big);
+        }
+    }
+
+    @Test
+    void copyRefusesBadArguments() {
+        long image = BridgeProbe.newImage(1, 1, 4);
+        try {
+            assertThrows(NullPointerException.class, () -> FilterEngineJNILib.nativeCopyImage(null, image));
+            Bitmap bitmap = filled(1, 1, 0x11223344);
+            RuntimeException none = assertThrows(RuntimeException.class, () -> FilterEngineJNILib.nativeCopyImage(bitmap, 0));
+            assertSame(RuntimeException.class, none.getClass());
+            bitmap.failNextLocks(1);
+            assertTrue(FilterEngineJNILib.nativeCopyImage(bitmap, image) < 0);
+            assertEquals(0x11223344, bitmap.getPixel(0, 0));
+            assertEquals(0, bitmap.getLockCount());
+        } finally {
+            BridgeProbe.freeImage(image);
+        }
+    }
+
+    @Test
+    void attachingMirrorsTheRecordAndDetachingKeepsTheSizes() {
+        long image = BridgeProbe.newImage(5, 3, 3);
+        try {
+            QImage q = new QImage();
+            q.pixelFormat = 77;
+            BridgeProbe.attach(q, image);
+            assertEquals(image, BridgeProbe.attached(q));
+            assertArrayEquals(new int[] {5, 3, 3, 77}, new int[] {q.width, q.height, q.pixelBytes, q.pixelFormat});
+            BridgeProbe.attach(q, 0);
+            assertEquals(0, q.nativeImage);
+            assertArrayEquals(new int[] {5, 3, 3, 77}, new int[] {q.width, q.height, q.pixelBytes, q.pixelFormat});
+        } finally {
+            BridgeProbe.freeImage(image);
+        }
+        // Handles are read at full width; these are only read back, never dereferenced.
+        QImage q = new QImage();
+        for (long handle : new long[] {0x7654_3210_89AB_CDE0L, 0xFFFF_FFFF_0000_0010L}) {
+            q.nativeImage = handle;
+            assertEquals(handle, BridgeProbe.attached(q));
+        }
+        QImage created = BridgeProbe.newQImage();
+        assertNotNull(created);
+        assertSame(QImage.class, created.getClass());
+        assertArrayEquals(new long[] {0, 0}, new long[] {created.nativeImage, created.width});
+    }
+
+    @Test
+    void rectFieldsMapInOrderAndEnvIsTheCallers() throws Exception {
+        assertArrayEquals(new int[] {-3, 4, 50, -7}, BridgeProbe.rect(new MRect(-3, 4, 50, -7)));
+        assertArrayEquals(new int[] {0, 0, 0, 0}, BridgeProbe.rect(new MRect()));
+        assertTrue(BridgeProbe.envIsCallers());
+        boolean[] seen = new boolean[1];
+        Thread other = new Thread(() -> seen[0] = BridgeProbe.envIsCallers());
+        other.start();
+        other.join();
+        assertTrue(seen[0]);
+    }
+}
