@@ -91,7 +91,8 @@ jobject jniNewObject(JNIEnv* env, jclass clazz, jmethodID constructor, ...);
 size_t copyImageToPixels(const _Image* image, void* pixels, size_t capacity);
 
 // Java long <-> native pointer, full width on every ABI.
-inline jlong toJavaHandle(const void* p) { return static_cast<jlong>(reinterpret_cast<intptr_t>(p)); }
+template <typename T>
+inline jlong toJavaHandle(T* p) { return static_cast<jlong>(reinterpret_cast<intptr_t>(p)); }
 template <typename T>
 inline T* fromJavaHandle(jlong handle) { return reinterpret_cast<T*>(static_cast<intptr_t>(handle)); }
 
