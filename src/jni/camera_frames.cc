@@ -9,20 +9,31 @@ namespace ifc {
 namespace {
 
 using Nv21Row = void (*)(const uint8_t*, const uint8_t*, uint8_t*, int);
+using Nv21RowPair = void (*)(const uint8_t*, const uint8_t*, const uint8_t*, uint8_t*, uint8_t*, int);
 
 // The YUV kernels stand in for the tables only once these are built;
 // before that the reference rows give the zero-table result.
 const PixelKernels& yuv_kernels() { return g_yuv_tables_ready ? pixel_kernels() : scalar_kernels(); }
 
 // NV21 walk: luma and output advance together over the stream; stream row r
-// of 2 * ceil(width / 2) pixels reads chroma row r / 2.
-void walk_nv21(const uint8_t* frame, int width, int height, uint8_t* out, Nv21Row row) {
+// of 2 * ceil(width / 2) pixels reads chroma row r / 2. Whole even/odd row
+// pairs go through `pair` (null: one row at a time).
+void walk_nv21(const uint8_t* frame, int width, int height, uint8_t* out, Nv21Row row, Nv21RowPair pair) {
     const int64_t total = int64_t{width} * height;
     const int64_t row_pixels = 2 * ((int64_t{width} + 1) / 2);
     const uint8_t* chroma = frame + total;
     for (int64_t r = 0, start = 0; start < total; ++r, start += row_pixels) {
+        const uint8_t* vu = chroma + (r >> 1) * width;
+        if (pair != nullptr && (r & 1) == 0 && start + 2 * row_pixels <= total) {
+            const int count = static_cast<int>(row_pixels);
+            pair(frame + start, frame + start + row_pixels, vu, out + 4 * start, out + 4 * (start + row_pixels),
+                 count);
+            ++r;
+            start += row_pixels;
+            continue;
+        }
         const int count = static_cast<int>(std::min(row_pixels, total - start));
-        row(frame + start, chroma + (r >> 1) * width, out + 4 * start, count);
+        row(frame + start, vu, out + 4 * start, count);
     }
 }
 
@@ -60,11 +71,17 @@ int64_t nv21_decimated_bytes_read(int width, int height, int step) {
 }
 
 void nv21_to_rgba(const uint8_t* frame, int width, int height, uint8_t* out) {
-    walk_nv21(frame, width, height, out, yuv_kernels().nv21_to_rgba_row);
+    // Row pairs save chroma work while the frame stays in cache; past that
+    // the conversion is bound by memory and two output streams cost more
+    // than they save (measured: +10% at 1080p, -25% at 4000x3000).
+    constexpr int64_t kPairedOutputLimit = int64_t{16} << 20;
+    const PixelKernels& kernels = yuv_kernels();
+    const bool paired = int64_t{width} * height * 4 <= kPairedOutputLimit;
+    walk_nv21(frame, width, height, out, kernels.nv21_to_rgba_row, paired ? kernels.nv21_to_rgba_row_pair : nullptr);
 }
 
 void nv21_to_yuva(const uint8_t* frame, int width, int height, uint8_t* out) {
-    walk_nv21(frame, width, height, out, pixel_kernels().nv21_to_yuva_row);
+    walk_nv21(frame, width, height, out, pixel_kernels().nv21_to_yuva_row, nullptr);
 }
 
 void yuv422_to_rgba(const uint8_t* frame, int width, int height, uint8_t* out) {

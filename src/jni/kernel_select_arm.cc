@@ -8,6 +8,7 @@ namespace {
 constexpr PixelKernels kNeon = {
     "neon",
     nv21_to_rgba_row_neon,
+    nv21_rows_one_by_one<nv21_to_rgba_row_neon>,
     nv21_to_yuva_row_neon,
     yuv422_to_rgba_row_neon,
     rgb565_to_rgba_row_neon,

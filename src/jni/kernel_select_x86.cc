@@ -8,6 +8,7 @@ namespace {
 constexpr PixelKernels kSse2 = {
     "sse2",
     nv21_to_rgba_row_sse2,
+    nv21_rows_one_by_one<nv21_to_rgba_row_sse2>,
     nv21_to_yuva_row_sse2,
     yuv422_to_rgba_row_sse2,
     rgb565_to_rgba_row_sse2,
@@ -20,6 +21,7 @@ PixelKernels avx2_kernels() {
     PixelKernels k = kSse2;
     k.name = "avx2";
     k.nv21_to_rgba_row = nv21_to_rgba_row_avx2;
+    k.nv21_to_rgba_row_pair = nv21_to_rgba_row_pair_avx2;
     k.nv21_to_yuva_row = nv21_to_yuva_row_avx2;
     k.yuv422_to_rgba_row = yuv422_to_rgba_row_avx2;
     k.matrix_row = matrix_row_avx2;

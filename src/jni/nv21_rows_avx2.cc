@@ -1,4 +1,5 @@
-// NV21 rows, AVX2: 32 pixels per step, the tail by the SSE2 row.
+// NV21 rows, AVX2: 32 pixels per step, the tail by the SSE2 row. Row pairs
+// that share a chroma row work out its terms once.
 #include "jni/pixel_kernels.h"
 #include "jni/yuv_core_avx2.h"
 
@@ -14,6 +15,18 @@ void nv21_to_rgba_row_avx2(const uint8_t* y, const uint8_t* vu, uint8_t* rgba, i
     int x = 0;
     for (; x + 32 <= width; x += 32) yuv32_to_rgba_avx2(load32(y + x), load32(vu + x), rgba + 4 * x);
     nv21_to_rgba_row_sse2(y + x, vu + x, rgba + 4 * x, width - x);
+}
+
+void nv21_to_rgba_row_pair_avx2(const uint8_t* y0, const uint8_t* y1, const uint8_t* vu, uint8_t* rgba0,
+                                uint8_t* rgba1, int width) {
+    int x = 0;
+    for (; x + 32 <= width; x += 32) {
+        const ChromaTerms32 terms = chroma_terms_avx2(load32(vu + x));
+        luma32_to_rgba_avx2(load32(y0 + x), terms, rgba0 + 4 * x);
+        luma32_to_rgba_avx2(load32(y1 + x), terms, rgba1 + 4 * x);
+    }
+    nv21_to_rgba_row_sse2(y0 + x, vu + x, rgba0 + 4 * x, width - x);
+    nv21_to_rgba_row_sse2(y1 + x, vu + x, rgba1 + 4 * x, width - x);
 }
 
 void nv21_to_yuva_row_avx2(const uint8_t* y, const uint8_t* vu, uint8_t* yuva, int width) {

@@ -6,6 +6,7 @@ const PixelKernels& scalar_kernels() {
     static const PixelKernels kernels = {
         "c",
         nv21_to_rgba_row_c,
+        nv21_rows_one_by_one<nv21_to_rgba_row_c>,
         nv21_to_yuva_row_c,
         yuv422_to_rgba_row_c,
         rgb565_to_rgba_row_c,

@@ -48,6 +48,16 @@ void nv21_to_rgba_row_c(const uint8_t* y, const uint8_t* vu, uint8_t* rgba, int 
 void nv21_to_rgba_row_sse2(const uint8_t* y, const uint8_t* vu, uint8_t* rgba, int width);
 void nv21_to_rgba_row_avx2(const uint8_t* y, const uint8_t* vu, uint8_t* rgba, int width);
 void nv21_to_rgba_row_neon(const uint8_t* y, const uint8_t* vu, uint8_t* rgba, int width);
+// Two stream rows that read the same chroma row: the chroma terms are worked
+// out once for both. Same bytes as two calls of the row kernel.
+void nv21_to_rgba_row_pair_avx2(const uint8_t* y0, const uint8_t* y1, const uint8_t* vu, uint8_t* rgba0,
+                                uint8_t* rgba1, int width);
+template <void (*Row)(const uint8_t*, const uint8_t*, uint8_t*, int)>
+void nv21_rows_one_by_one(const uint8_t* y0, const uint8_t* y1, const uint8_t* vu, uint8_t* out0, uint8_t* out1,
+                          int width) {
+    Row(y0, vu, out0, width);
+    Row(y1, vu, out1, width);
+}
 
 // Packed Y, U, V, 255 per pixel (U is the pair's second byte).
 void nv21_to_yuva_row_c(const uint8_t* y, const uint8_t* vu, uint8_t* yuva, int width);
@@ -120,6 +130,7 @@ void histogram_channels_fast(const HistogramSource& src, uint32_t* bins768);
 struct PixelKernels {
     const char* name;
     void (*nv21_to_rgba_row)(const uint8_t*, const uint8_t*, uint8_t*, int);
+    void (*nv21_to_rgba_row_pair)(const uint8_t*, const uint8_t*, const uint8_t*, uint8_t*, uint8_t*, int);
     void (*nv21_to_yuva_row)(const uint8_t*, const uint8_t*, uint8_t*, int);
     void (*yuv422_to_rgba_row)(const uint8_t*, uint8_t*, int);
     void (*rgb565_to_rgba_row)(const uint8_t*, uint8_t*, int);

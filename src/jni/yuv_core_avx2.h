@@ -26,16 +26,15 @@ inline void store_interleaved4_avx2(__m256i p0, __m256i p1, __m256i p2, __m256i 
     _mm256_storeu_si256(dst + 3, _mm256_permute2x128_si256(q2, q3, 0x31));
 }
 
-// 32 pixels from 32 luma bytes and 16 chroma pairs (V, U), both in order.
-inline void yuv32_to_rgba_avx2(__m256i y, __m256i vu, uint8_t* out) {
-    const __m256i zero = _mm256_setzero_si256();
-    const __m256i ys = _mm256_subs_epu8(y, _mm256_set1_epi8(16));
-    const __m256i y8lo = _mm256_slli_epi16(_mm256_unpacklo_epi8(ys, zero), 3);
-    const __m256i y8hi = _mm256_slli_epi16(_mm256_unpackhi_epi8(ys, zero), 3);
-    const __m256i k_y = _mm256_set1_epi16(10773);
-    const __m256i luma_lo = _mm256_add_epi16(y8lo, _mm256_mulhi_epi16(y8lo, k_y));
-    const __m256i luma_hi = _mm256_add_epi16(y8hi, _mm256_mulhi_epi16(y8hi, k_y));
+// Chroma terms (red, green, blue, in eighths) of 16 chroma pairs (V, U),
+// each widened to the 32 pixels that share them. Pairs 0..7 / 8..15 sit in
+// the lanes of pixels 0..15 / 16..31, so the in-lane unpacks line them up
+// with the luma words.
+struct ChromaTerms32 {
+    __m256i r_lo, r_hi, g_lo, g_hi, b_lo, b_hi;
+};
 
+inline ChromaTerms32 chroma_terms_avx2(__m256i vu) {
     const __m256i c = _mm256_xor_si256(vu, _mm256_set1_epi8(-128));
     const __m256i v = _mm256_srai_epi16(_mm256_slli_epi16(c, 8), 8);
     const __m256i u = _mm256_srai_epi16(c, 8);
@@ -48,15 +47,31 @@ inline void yuv32_to_rgba_avx2(__m256i y, __m256i vu, uint8_t* out) {
                                          v8);
     const __m256i ub =
         _mm256_add_epi16(_mm256_slli_epi16(u, 4), _mm256_mulhi_epi16(u8, _mm256_set1_epi16(1129)));
+    return {_mm256_unpacklo_epi16(vr, vr),   _mm256_unpackhi_epi16(vr, vr),   _mm256_unpacklo_epi16(uvg, uvg),
+            _mm256_unpackhi_epi16(uvg, uvg), _mm256_unpacklo_epi16(ub, ub), _mm256_unpackhi_epi16(ub, ub)};
+}
 
-    // Pairs 0..7 / 8..15 sit in the lanes of pixels 0..15 / 16..31, so the
-    // in-lane unpacks line them up with the luma words.
-    auto channel = [&](__m256i term) {
-        const __m256i lo = _mm256_srai_epi16(_mm256_add_epi16(luma_lo, _mm256_unpacklo_epi16(term, term)), 3);
-        const __m256i hi = _mm256_srai_epi16(_mm256_add_epi16(luma_hi, _mm256_unpackhi_epi16(term, term)), 3);
+// 32 pixels from 32 luma bytes and the chroma terms they share.
+inline void luma32_to_rgba_avx2(__m256i y, const ChromaTerms32& t, uint8_t* out) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i ys = _mm256_subs_epu8(y, _mm256_set1_epi8(16));
+    const __m256i y8lo = _mm256_slli_epi16(_mm256_unpacklo_epi8(ys, zero), 3);
+    const __m256i y8hi = _mm256_slli_epi16(_mm256_unpackhi_epi8(ys, zero), 3);
+    const __m256i k_y = _mm256_set1_epi16(10773);
+    const __m256i luma_lo = _mm256_add_epi16(y8lo, _mm256_mulhi_epi16(y8lo, k_y));
+    const __m256i luma_hi = _mm256_add_epi16(y8hi, _mm256_mulhi_epi16(y8hi, k_y));
+    auto channel = [&](__m256i lo_term, __m256i hi_term) {
+        const __m256i lo = _mm256_srai_epi16(_mm256_add_epi16(luma_lo, lo_term), 3);
+        const __m256i hi = _mm256_srai_epi16(_mm256_add_epi16(luma_hi, hi_term), 3);
         return _mm256_packus_epi16(lo, hi);
     };
-    store_interleaved4_avx2(channel(vr), channel(uvg), channel(ub), _mm256_set1_epi8(-1), out);
+    store_interleaved4_avx2(channel(t.r_lo, t.r_hi), channel(t.g_lo, t.g_hi), channel(t.b_lo, t.b_hi),
+                            _mm256_set1_epi8(-1), out);
+}
+
+// 32 pixels from 32 luma bytes and 16 chroma pairs (V, U), both in order.
+inline void yuv32_to_rgba_avx2(__m256i y, __m256i vu, uint8_t* out) {
+    luma32_to_rgba_avx2(y, chroma_terms_avx2(vu), out);
 }
 
 }  // namespace ifc

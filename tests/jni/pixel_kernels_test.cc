@@ -62,6 +62,10 @@ TEST_F(PixelKernelsTest, SimdRowsMatchReference) {
         expect_variants_match("nv21_to_rgba", width, 4 * w, [&](const PixelKernels& k, uint8_t* out) {
             k.nv21_to_rgba_row(y.data(), vu.data(), out, width);
         }, true);
+        // Two luma rows over one chroma row (the second taken from `packed`).
+        expect_variants_match("nv21_to_rgba_row_pair", width, 8 * w, [&](const PixelKernels& k, uint8_t* out) {
+            k.nv21_to_rgba_row_pair(y.data(), packed.data(), vu.data(), out, out + 4 * w, width);
+        }, true);
         expect_variants_match("nv21_to_yuva", width, 4 * w, [&](const PixelKernels& k, uint8_t* out) {
             k.nv21_to_yuva_row(y.data(), vu.data(), out, width);
         }, true);
