@@ -67,26 +67,11 @@ TEST_F(MagicEngineTest, CheckRebuildsAnEngineWhoseProgramIsGone) {
     EXPECT_EQ(GL_NO_ERROR, glGetError());
 }
 
-// Return values and bindings of begin/end/read are checked through the natives.
-TEST_F(MagicEngineTest, DisabledTargetIsNotReadBack) {
-    ASSERT_EQ(0, magicEngineInit(4, 0));
-    magicBeginUse(5, 3, 0);
-    magicEndUse(5, 3, 0);
-    magicLookup(magicEngineAt(0), 5, 3)->readDisabled = 1;
-    std::vector<uint8_t> untouched(5 * 3 * 4, 7);
-    EXPECT_EQ(0, magicReadPixels(untouched.data(), 5, 3, 0));
-    EXPECT_EQ(std::vector<uint8_t>(5 * 3 * 4, 7), untouched);
-}
-
-TEST_F(MagicEngineTest, GlUtilsErrorsAndBuildFailures) {
-    EXPECT_STREQ("EGL_BAD_CURRENT_SURFACE", eglErrorName(0x3007));
-    EXPECT_STREQ("UNKNOWN", eglErrorName(0x300F));
+TEST_F(MagicEngineTest, CheckGlErrorConsumesTheError) {
     EXPECT_TRUE(checkGlError("clean"));
     glBindTexture(0x1234, 0);  // GL_INVALID_ENUM
     EXPECT_FALSE(checkGlError("bad enum"));
     EXPECT_TRUE(checkGlError("consumed"));
-    EXPECT_EQ(0u, buildGLProgram("void main() { gl_Position = vec4(0.0); }", nullptr));
-    EXPECT_EQ(0u, buildGLProgram("not a shader", "void main() {}"));
 }
 
 }  // namespace

@@ -20,9 +20,6 @@ final class GL {
             "precision mediump float; varying vec2 textureCoordinate; uniform sampler2D inputImageTexture;\n"
             + "void main() { gl_FragColor = texture2D(inputImageTexture, textureCoordinate); }\n";
 
-    /** A pool slot no engine ever uses: reads go straight to a temporary framebuffer. */
-    static final int NO_POOL = 4;
-
     /** Distinct RGBA bytes per pixel, alpha varying too. */
     static int chartColor(int x, int y) {
         int r = (x * 7 + 3) & 0xFF, g = (y * 11 + 5) & 0xFF, b = (x * 13 + y * 3) & 0xFF, a = (250 - x - y) & 0xFF;
@@ -30,14 +27,12 @@ final class GL {
     }
 
     static Bitmap bitmap(int width, int height, IntBinaryOperator colorAt) {
-        Bitmap bitmap = Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888);
+        Bitmap bitmap = blank(width, height);
         for (int y = 0; y < height; y++) for (int x = 0; x < width; x++) bitmap.setPixel(x, y, colorAt.applyAsInt(x, y));
         return bitmap;
     }
 
-    static Bitmap blank(int width, int height) {
-        return Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888);
-    }
+    static Bitmap blank(int width, int height) { return Bitmap.createBitmap(width, height, Bitmap.Config.ARGB_8888); }
 
     /** Bytes in memory order (R, G, B and, for 4 channels, A), rows top to bottom. */
     static byte[] pixels(int width, int height, int channels, IntBinaryOperator colorAt) {
@@ -49,9 +44,7 @@ final class GL {
         return out;
     }
 
-    static byte[] rgba(int width, int height, IntBinaryOperator colorAt) {
-        return pixels(width, height, 4, colorAt);
-    }
+    static byte[] rgba(int width, int height, IntBinaryOperator colorAt) { return pixels(width, height, 4, colorAt); }
 
     static byte[] solid(int bytes, int value) {
         byte[] out = new byte[bytes];
@@ -88,10 +81,10 @@ final class GL {
         return Arrays.copyOf(bytes(bitmap), image.width * image.height * image.pixelBytes);
     }
 
-    /** The texture's level 0 as RGBA bytes, read through a temporary framebuffer. */
+    /** The texture's level 0 as RGBA bytes, read through a temporary framebuffer (slot 4 has no pool). */
     static byte[] readTexture(int texture, int width, int height) {
         byte[] out = new byte[width * height * 4];
-        GLSLRender.nativeCopyTexturToDataWithShare(texture, out, width, height, NO_POOL);
+        GLSLRender.nativeCopyTexturToDataWithShare(texture, out, width, height, 4);
         return out;
     }
 
@@ -102,19 +95,12 @@ final class GL {
         return out;
     }
 
-    /** A BaseFilter with a built program from the default vertex shader and the given fragment shader. */
+    /** A BaseFilter with the default vertex shader and the given fragment shader. */
     static final class Pass implements AutoCloseable {
         final BaseFilter filter = new BaseFilter();
         final long handle;
 
-        Pass(String fragment) {
-            handle = filter.nativeInitialWithString(0, false, null, fragment);
-            build();
-        }
-
-        private void build() {
-            if (filter.nativeApplyFilter(handle) == 0) throw new AssertionError("program did not build");
-        }
+        Pass(String fragment) { handle = filter.nativeInitialWithString(0, false, null, fragment); }
 
         /**
          * Draws the texture over the current viewport of the bound framebuffer. The
@@ -122,13 +108,11 @@ final class GL {
          * switch it, so the program is rebuilt (and made current) first.
          */
         void draw(int texture, int width, int height) {
-            build();
+            if (filter.nativeApplyFilter(handle) == 0) throw new AssertionError("program did not build");
             filter.nativeRenderTexture(handle, texture, width, height);
         }
 
         @Override
-        public void close() {
-            filter.nativeClear(handle);
-        }
+        public void close() { filter.nativeClear(handle); }
     }
 }
