@@ -23,15 +23,12 @@ static_assert(offsetof(_ImageMarker, data) == kPtr && offsetof(_ImageMarker, nex
 static_assert(sizeof(MRect) == 16 && offsetof(MRect, width) == 8 && sizeof(MPoint) == 8);
 
 TEST(ImageRecord, CreateImagePadsDerivedStridesOnlyAndRefusesHugeBuffers) {
-    ImagePtr padded(create_image(3, 2, 3, 0));
-    EXPECT_THAT(shapeOf(*padded), ElementsAre(3, 2, 3, 12, 24));
-    EXPECT_EQ(padded->markers, nullptr);
+    EXPECT_THAT(shapeOf(*ImagePtr(create_image(3, 2, 3, 0))), ElementsAre(3, 2, 3, 12, 24));
     EXPECT_THAT(shapeOf(*ImagePtr(create_image(3, 2, 3, -1))), ElementsAre(3, 2, 3, 12, 24));
     EXPECT_THAT(shapeOf(*ImagePtr(create_image(3, 2, 3, 9))), ElementsAre(3, 2, 3, 9, 18));
     EXPECT_EQ(ImagePtr(create_image(5, 1, 1, 2))->stride, 2);  // positive strides are not checked
 
-    ImagePtr blob(create_image(0, 1, 1, 0));
-    EXPECT_NE(blob->data, nullptr);  // zero bytes still get a buffer
+    EXPECT_NE(ImagePtr(create_image(0, 1, 1, 0))->data, nullptr);  // zero bytes still get a buffer
     EXPECT_EQ(create_image(100000, 100000, 4, 0), nullptr);
     EXPECT_EQ(create_image(-1, 5, 4, 0), nullptr);
 }
@@ -49,8 +46,6 @@ TEST(ImageRecord, HeaderHasNoBufferAndFreesOnlyTheRecord) {
 
 TEST(ImageRecord, InitAndCreateImage2KeepLayoutTag) {
     _Image* image = create_empty_image();
-    EXPECT_EQ(image->data, nullptr);
-    EXPECT_THAT(shapeOf(*image), ElementsAre(0, 0, 0, 0, 0));
     image->layout = 0x01020304;
     image->width = 9;
     image_init(image);
@@ -67,29 +62,22 @@ TEST(ImageRecord, InitAndCreateImage2KeepLayoutTag) {
     free_image(&image);
     EXPECT_EQ(image, nullptr);
     free_image(&image);
-    free_image(nullptr);
 }
 
 TEST(ImageRecord, SameImageAndClonesCopyHeaderPackedOrWholeBuffer) {
     ImagePtr source = indexedImage(3, 2, 3);  // stride 12, 24 bytes
     source->layout = 0x01020304;
 
-    FilledRecord same;
+    FilledRecord same, clone;
     create_same_image(&same.image, source.get());
-    EXPECT_EQ(same.image.size, 24u);
+    EXPECT_THAT(shapeOf(same.image), ElementsAre(3, 2, 3, 12, 24));
     EXPECT_EQ(same.image.layout, 0x01020304u);
-    EXPECT_NE(same.image.data, source->data);
-
-    FilledRecord clone;
     clone_image(&clone.image, source.get());
-    EXPECT_EQ(clone.image.stride, 12);
     EXPECT_EQ(clone.image.layout, 0x01020304u);
     EXPECT_EQ(bytesOf(clone.image.data, 18), bytesOf(source->data, 18));
 
-    ImagePtr ex(clone_image_ex(source.get()));
-    EXPECT_EQ(bytesOf(ex->data, 24), bytesOf(source->data, 24));
-    ImagePtr two(clone_image2(source.get()));
-    EXPECT_EQ(bytesOf(two->data, 18), bytesOf(source->data, 18));
+    EXPECT_EQ(bytesOf(ImagePtr(clone_image_ex(source.get()))->data, 24), bytesOf(source->data, 24));
+    EXPECT_EQ(bytesOf(ImagePtr(clone_image2(source.get()))->data, 18), bytesOf(source->data, 18));
 }
 
 TEST(ImageRecord, ClearFillsOnlyThePackedPrefixAndDestroyKeepsSizes) {
@@ -106,13 +94,11 @@ TEST(ImageRecord, ClearFillsOnlyThePackedPrefixAndDestroyKeepsSizes) {
 
 TEST(ImageRecord, CopyImageKeepsDestinationBuffer) {
     ImagePtr source = indexedImage(2, 2, 1);  // stride 4
-    source->layout = 3;
     ImagePtr destination(create_image(4, 4, 1, 0));
     unsigned char* buffer = destination->data;
     copy_image(destination.get(), source.get());
     EXPECT_EQ(destination->data, buffer);
     EXPECT_THAT(shapeOf(*destination), ElementsAre(2, 2, 1, 4, 8));
-    EXPECT_EQ(destination->layout, 3u);
     EXPECT_EQ(bytesOf(buffer, 8), bytesOf(source->data, 8));
 
     // A bare record over the caller's own buffer gets the whole padded source.
@@ -121,11 +107,10 @@ TEST(ImageRecord, CopyImageKeepsDestinationBuffer) {
     bare.data = own;
     copy_image(&bare, source.get());
     EXPECT_EQ(bare.data, own);
-    EXPECT_EQ(bare.stride, 4);
     EXPECT_EQ(bytesOf(own, 8), bytesOf(source->data, 8));
 }
 
-TEST(ImageRecord, CopyRoiUsesEachSidesChannelsAndStride) {
+TEST(ImageRecord, CopyRoiUsesEachSidesChannelsAndCloneRoiIsUnpadded) {
     ImagePtr source = indexedImage(4, 3, 1);  // stride 4: byte = y * 4 + x
     ImagePtr destination(create_image(4, 4, 2, 0));
     std::memset(destination->data, 0, destination->size);
@@ -138,13 +123,11 @@ TEST(ImageRecord, CopyRoiUsesEachSidesChannelsAndStride) {
     MRect flat{0, 0, 4, 0};
     copy_image_roi(source.get(), destination.get(), &flat, MPoint{0, 0});
     EXPECT_EQ(bytesOf(destination->data, 32), std::vector<int>(32, 0));
-}
 
-TEST(ImageRecord, CloneRoiIsUnpadded) {
-    ImagePtr source = indexedImage(5, 3, 1);  // stride 8
-    MRect region{1, 1, 3, 2};
+    ImagePtr wide = indexedImage(5, 3, 1);  // stride 8; the clone is unpadded
+    MRect middle{1, 1, 3, 2};
     FilledRecord roi;
-    clone_image_roi(&roi.image, source.get(), &region);
+    clone_image_roi(&roi.image, wide.get(), &middle);
     EXPECT_EQ(roi.image.stride, 3);
     EXPECT_THAT(bytesOf(roi.image.data, 6), ElementsAre(9, 10, 11, 17, 18, 19));
 }
@@ -159,15 +142,4 @@ TEST(ImageRecord, LoadFromRawReadsPaddedRows) {
     EXPECT_THAT(bytesOf(image->data, 8), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
     std::remove(path.c_str());
     EXPECT_EQ(load_image_from_raw(path.c_str(), 3, 2, 1), nullptr);
-}
-
-TEST(ImageRecord, FreeMarkerReleasesEveryNode) {
-    _ImageMarker* head = create_marker();
-    EXPECT_EQ(head->data, nullptr);
-    head->data = static_cast<unsigned char*>(malloc(4));
-    head->next = create_marker();  // a node without data
-    head->next->next = create_marker();
-    head->next->next->data = static_cast<unsigned char*>(malloc(8));
-    free_marker(head);  // leaks show under LeakSanitizer
-    free_marker(nullptr);
 }

@@ -89,8 +89,6 @@ PROBE(jlong, loadResourceOnNativeThread)(JNIEnv* env, jclass, jstring path, jint
     return toJavaHandle(image);
 }
 
-PROBE(jboolean, envIsCallers)(JNIEnv* env, jclass) { return jniGetEnv() == env; }
-
 PROBE(void, throwNamed)(JNIEnv* env, jclass, jstring className, jstring message) {
     jniThrowException(env, utf(env, className).c_str(), utf(env, message).c_str());
 }

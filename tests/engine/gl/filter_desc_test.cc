@@ -87,29 +87,24 @@ TEST_F(FilterDescTest, DescriptionIsReadOnceRepeatsItsFirstVertexAndDrawsOnePass
                               element("fragment", kSwapFragment));
     shared_ptr<HFGLFilterImpl> impl = HFGLFilterImpl_lookup("threepass");
     EXPECT_EQ(std::vector<std::string>(3, vertex), impl->vertexSources) << "first vertex, whitespace kept";
-    ASSERT_EQ(3u, impl->fragmentSources.size());
-    EXPECT_EQ(kSwapFragment, impl->fragmentSources[1]);
+    EXPECT_EQ((std::vector<std::string>{kUniformFragment, kSwapFragment, kSwapFragment}), impl->fragmentSources);
 
     shared_ptr<HFFilterDescNode> node = leaf("<filter implement='threepass'/>");
     shared_ptr<IHFFilter> first = node->createFilter(), second = node->createFilter();
     EXPECT_EQ(1, bundle.reads["filter/gl/threepass.xml"]);
     EXPECT_NE(first.get(), second.get());
     auto* gl = dynamic_cast<HFGLFilter*>(first.get());
-    ASSERT_NE(nullptr, gl);
-    EXPECT_EQ(1, gl->programCount());
+    ASSERT_TRUE(gl && gl->programCount() == 1);
     EXPECT_GE(gl->program(0)->uniformLocation("amount"), 0) << "built from the first fragment";
 }
 
 TEST_F(FilterDescTest, AnythingButExactlyGPUSelectsTheCPU) {
     EXPECT_FALSE(leaf("<filter implement='Curve2D'/>")->preferCPU);
-    EXPECT_FALSE(leaf("<filter implement='Curve2D' prefer='GPU'/>")->preferCPU);
     shared_ptr<HFFilterDescNode> lower =
         leaf("<filter implement='Curve2D' prefer='gpu'>" + param("amount", "float", "0.5") + "</filter>");
     shared_ptr<IHFFilter> filter = lower->createFilter();
     auto* cpu = dynamic_cast<HFCPUFilter*>(filter.get());
-    ASSERT_NE(nullptr, cpu);
-    EXPECT_NE(nullptr, cpu->filterFunction());
-    ASSERT_EQ(1u, cpu->parameters().count("amount"));
+    ASSERT_TRUE(cpu && cpu->filterFunction() && cpu->parameters().count("amount"));
     EXPECT_EQ(0.5f, cpu->parameters().at("amount")->getFloat());
     EXPECT_EQ(0, bundle.reads["filter/gl/Curve2D.xml"]);
 }
@@ -142,15 +137,6 @@ TEST_F(FilterDescTest, ParamsParseByTypeAndDropTheUnsupported) {
     EXPECT_EQ(255.0f / 256.0f, capped->values[255]) << "capped at 256 entries";
 }
 
-std::vector<GLint> boundOnUnits0To3() {
-    std::vector<GLint> bound;
-    for (GLenum unit = GL_TEXTURE0; unit <= GL_TEXTURE3; ++unit) {
-        glActiveTexture(unit);
-        bound.push_back(glInteger(GL_TEXTURE_BINDING_2D));
-    }
-    return bound;
-}
-
 // What a wrapper's frame leaves bound: inputs on units 2 up, the last
 // upload/resize on unit 3, the filter's own framebuffer and viewport,
 // blending off.
@@ -167,18 +153,13 @@ TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
         const GLint output = wraper.outputTexture();
         EXPECT_EQ(GL_TEXTURE2, glInteger(GL_ACTIVE_TEXTURE));
         EXPECT_FALSE(glIsEnabled(GL_BLEND));
-        GLint viewport[4] = {};
-        glGetIntegerv(GL_VIEWPORT, viewport);
-        EXPECT_EQ((std::vector<GLint>{0, 0, 4, 4}), std::vector<GLint>(viewport, viewport + 4));
+        EXPECT_EQ((std::vector<GLint>{0, 0, 4, 4}), gltest::viewport());
         EXPECT_NE(0, glInteger(GL_FRAMEBUFFER_BINDING));
-        GLint attached = 0;
-        glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
-                                              GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME, &attached);
-        EXPECT_EQ(output, attached);
+        EXPECT_EQ(output, gltest::colorAttachment());
         // The first frame sizes the output last on unit 3; later frames only
         // record the caller's size, which binds the caller's texture there.
         const GLint caller = static_cast<GLint>(input);
-        EXPECT_EQ((std::vector<GLint>{0, 0, caller, frame == 0 ? output : caller}), boundOnUnits0To3());
+        EXPECT_EQ((std::vector<GLint>{0, 0, caller, frame == 0 ? output : caller}), gltest::boundOnUnits(0, 3));
     }
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glActiveTexture(GL_TEXTURE0);

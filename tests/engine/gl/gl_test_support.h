@@ -75,6 +75,30 @@ inline GLint glInteger(GLenum name) {
     return value;
 }
 
+inline std::vector<GLint> viewport() {
+    std::vector<GLint> box(4);
+    glGetIntegerv(GL_VIEWPORT, box.data());
+    return box;
+}
+
+// Name of the texture on the bound framebuffer's colour attachment.
+inline GLint colorAttachment() {
+    GLint name = 0;
+    glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME,
+                                          &name);
+    return name;
+}
+
+// 2D textures bound on units first..last; the last one stays active.
+inline std::vector<GLint> boundOnUnits(int first, int last) {
+    std::vector<GLint> bound;
+    for (int unit = first; unit <= last; ++unit) {
+        glActiveTexture(GL_TEXTURE0 + unit);
+        bound.push_back(glInteger(GL_TEXTURE_BINDING_2D));
+    }
+    return bound;
+}
+
 // RGBA bytes of a texture's level 0, read through a framebuffer of our own.
 inline std::vector<unsigned char> readTexture(GLuint texture, int width, int height) {
     GLuint framebuffer = 0;

@@ -32,7 +32,6 @@ final class BridgeProbe {
 
     static native long loadResource(String path, int kind);
     static native long loadResourceOnNativeThread(String path, int kind);
-    static native boolean envIsCallers();
 
     static native void throwNamed(String className, String message);
     static native void throwNull(String message);

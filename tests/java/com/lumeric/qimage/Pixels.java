@@ -46,11 +46,7 @@ final class Pixels {
 
     /** A 565 word as the native down-sampler packs it, read back as Bitmap.getPixel expands it. */
     static int through565(int color) {
-        int r = (color >> 16) & 0xFF, g = (color >> 8) & 0xFF, b = color & 0xFF;
-        int v = (r >> 3) << 11 | ((g << 3) & 0x7E0) | (b >> 3);
-        r = (v >> 11) & 0x1F;
-        g = (v >> 5) & 0x3F;
-        b = v & 0x1F;
+        int r = (color >> 19) & 0x1F, g = (color >> 10) & 0x3F, b = (color >> 3) & 0x1F;
         return 0xFF000000 | (r << 3 | r >> 2) << 16 | (g << 2 | g >> 4) << 8 | (b << 3 | b >> 2);
     }
 
