@@ -14,7 +14,8 @@
 extern "C" {
 #endif
 
-/* Builds the YUV and clamp tables; call once before conversions or the gray filter. */
+/* Builds the YUV and clamp tables. They are built when the library loads, so
+   nothing needs to call this; a call does nothing more (thread-safe). */
 IFC_API void image_filter_initialize(void);
 /* Does nothing and returns its argument. */
 IFC_API intptr_t image_filter_uninitialize(intptr_t word);

@@ -4,9 +4,10 @@
 
 #include <cstdlib>
 
+#include "engine/engine_problems.h"
 #include "engine/filter_object.h"
 #include "engine/filter_package.h"
-#include "jni/log.h"
+#include "engine/gl/shader_origin.h"
 
 // All "filter" children come first, then all "relation" children, wherever
 // they stand in the document.
@@ -19,7 +20,7 @@ void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
             // purpose: what it carries reaches every user of that package.
             node = HFFilterPackage_node(include->Value());
             if (!node) {
-                log_printE("model: included package %s cannot be built", include->Value());
+                HFProblem_report(std::string("model: included package ") + include->Value() + " cannot be built");
                 complete = false;
                 continue;
             }
@@ -36,7 +37,7 @@ void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
         const tinyxml2::XMLAttribute* input = relation->FindAttribute("input");
         const tinyxml2::XMLAttribute* index = relation->FindAttribute("index");
         if (output == nullptr || input == nullptr || index == nullptr) {
-            log_printE("model: relation needs \"output\", \"input\" and \"index\"");
+            HFProblem_report("model: relation needs \"output\", \"input\" and \"index\"");
             complete = false;
             continue;
         }
@@ -50,6 +51,7 @@ void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
 // so each replaces the default chain link only at the slot it names.
 shared_ptr<IHFFilter> HFFilterModelNode::createFilter() {
     if (!complete) return shared_ptr<IHFFilter>();
+    const HFPackageScope package(name);
     shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
     for (const shared_ptr<IHFFilterNode>& node : children) {
         shared_ptr<IHFFilter> filter = node->createFilter();

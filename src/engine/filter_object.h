@@ -33,6 +33,10 @@ public:
     bool releasesIntermediates() const { return releaseIntermediates; }
 
     size_t filterCount() const { return filters.size(); }
+    // Child `index` in the order added; empty when out of range.
+    shared_ptr<IHFFilter> filterAt(size_t index) const {
+        return index < filters.size() ? filters[index] : shared_ptr<IHFFilter>();
+    }
     const std::vector<DestinationList>& outputWiring() const { return outputMaps; }
     const DestinationList& inputWiring(int index) const { return inputMaps[index]; }
 

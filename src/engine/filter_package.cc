@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "engine/engine_problems.h"
 #include "engine/filter_model_node.h"
 #include "engine/resource_loader.h"
 #include "jni/log.h"
@@ -108,7 +109,7 @@ HFFilterNodeCache& filterNodeCache() {
 }
 
 void HFFilterPackage_logError(const std::string& name, const char* reason) {
-    log_printE("filter package %s (%s): %s", name.c_str(), packagePath(name).c_str(), reason);
+    HFProblem_report("filter package " + name + " (" + packagePath(name) + "): " + reason);
 }
 
 shared_ptr<IHFFilterNode> HFFilterPackage_node(const std::string& name) {

@@ -1,11 +1,23 @@
 #include "engine/filter_wraper.h"
 
+#include <EGL/egl.h>
+
 #include <utility>
 
+#include "engine/engine_problems.h"
 #include "engine/filter_package.h"
 #include "engine/texture.h"
 
-HFFilterWraper::HFFilterWraper(const char* name) : filter(loadFilterPackage(name != nullptr ? name : "")) {}
+// Problems met while the package loads and its shaders compile are kept as
+// the wrapper's last problem as well as logged.
+HFFilterWraper::HFFilterWraper(const char* name) : packageName(name != nullptr ? name : "") {
+    HFProblemCollector problems;
+    filter = loadFilterPackage(packageName);
+    if (filter) params.collect(HFFilterPackage_node(packageName), filter.get());
+    problem = problems.summary();
+    // A package that failed before is cached as failed and logs nothing new.
+    if (!filter && problem.empty()) problem = "filter package " + packageName + " cannot be built (see the log)";
+}
 
 HFFilterWraper::~HFFilterWraper() {
     shared_ptr<IHFFilter> tree(std::move(filter));
@@ -23,7 +35,16 @@ shared_ptr<IHFFilter> HFFilterWraper::loadFilterPackage(std::string name) {
 // Wrapping applies the default sampling options to the caller's texture; the
 // wrapper only borrows the name, so the texture outlives it.
 void HFFilterWraper::renderTexture(int texture, int width, int height) {
+    if (eglGetCurrentContext() == EGL_NO_CONTEXT) {
+        reportProblem("render called on a thread without a current EGL context; nothing was drawn");
+        return;
+    }
     if (!filter) return;
+    if (params.hasPending()) {
+        HFProblemCollector problems;
+        params.applyPending();
+        if (problems.count() > 0) problem = problems.summary();
+    }
     HFGLTextureOptions options = defaultTextureOptions;
     shared_ptr<HFGLTexture> input = HFGLTexture::createTexture(static_cast<unsigned int>(texture), options);
     input->resize(width, height);
@@ -37,4 +58,15 @@ int HFFilterWraper::outputTexture() {
     shared_ptr<IHFTexture> output = filter->outputTexture();
     const HFGLTexture* texture = dynamic_cast<const HFGLTexture*>(output.get());
     return texture != nullptr ? static_cast<int>(texture->glTexture()) : 0;
+}
+
+bool HFFilterWraper::setParameter(const shared_ptr<HFFilterParam>& value) {
+    const std::string reason = params.set(value);
+    if (!reason.empty()) reportProblem(reason);
+    return reason.empty();
+}
+
+void HFFilterWraper::reportProblem(const std::string& text) {
+    problem = "filter package " + packageName + ": " + text;
+    HFProblem_report(problem);
 }

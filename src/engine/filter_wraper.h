@@ -5,6 +5,7 @@
 #include <string>
 
 #include "engine/filter.h"
+#include "engine/runtime_params.h"
 
 class IFC_API HFFilterWraper {
 public:
@@ -13,7 +14,9 @@ public:
     HFFilterWraper(const HFFilterWraper&) = delete;
     HFFilterWraper& operator=(const HFFilterWraper&) = delete;
 
-    // Runs the package with the caller's texture (borrowed) as input 0.
+    // Runs the package with the caller's texture (borrowed) as input 0,
+    // after pushing the parameter values set since the last render. Without
+    // a current EGL context on this thread it draws nothing and says so.
     void renderTexture(int texture, int width, int height);
     // GL name of the package's output; 0 without a filter or when the last
     // filter's output is not a GL texture.
@@ -25,7 +28,22 @@ public:
 
     bool hasFilter() const { return static_cast<bool>(filter); }
 
+    // Queues a runtime value (see HFRuntimeParams); false, with the reason as
+    // the last problem, when the package declares no such parameter.
+    bool setParameter(const shared_ptr<HFFilterParam>& value);
+
+    // The most recent build, render or parameter problem, kept until a later
+    // one replaces it; empty when there has been none.
+    const std::string& lastProblem() const { return problem; }
+    // Logs the problem at error level, naming the package, and keeps it.
+    void reportProblem(const std::string& text);
+
     shared_ptr<IHFFilter> filter;
+    HFRuntimeParams params;
+
+private:
+    std::string packageName;
+    std::string problem;
 };
 
 #endif  // IFC_ENGINE_FILTER_WRAPER_H

@@ -14,7 +14,7 @@
 
 namespace ifc {
 
-// Conversion tables, zero until image_filter_initialize() fills them.
+// Conversion tables, built once when the library loads (image_filter_initialize).
 // The YUV terms are eighths (three fractional bits) of BT.601 studio range.
 struct YuvTables {
     uint8_t clamp[1280];  // clamp[512 + k] = clamp(k, 0, 255) for k in -512..767

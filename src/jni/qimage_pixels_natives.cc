@@ -46,8 +46,7 @@ bool frame_arguments_ok(JNIEnv* env, jbyteArray data, int width, int height, int
 
 // The common frame: reuse or replace the native image, tag it RGBA, attach
 // it, then convert the array into it with convert(frame, out).
-// The tables are the application's to build (image_filter_initialize); a
-// frame converted before that comes out black, as it always has.
+// The conversion tables are built when the library loads.
 template <typename Convert>
 void convert_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int height, int out_width,
                    int out_height, int64_t nominal_bytes, int64_t bytes_read, Convert convert) {

@@ -1,5 +1,9 @@
 // The clamp and YUV->RGB tables shared by the camera-frame conversions and
-// the gray filter, and the exported calls that build them.
+// the gray filter, and the exported calls that build them. The tables build
+// themselves when the library is loaded; image_filter_initialize() remains for
+// callers that always called it and is then harmless.
+#include <pthread.h>
+
 #include "image_filter/filters.h"
 #include "jni/pixel_kernels.h"
 
@@ -25,22 +29,30 @@ void fill_chroma(T* table, int multiplier) {
     for (int k = 0; k < 256; ++k, product += multiplier) table[k] = static_cast<T>(product >> 13);
 }
 
+void build_tables() {
+    YuvTables& t = g_yuv_tables;
+    for (int k = -512; k < 768; ++k) t.clamp[k + 512] = static_cast<uint8_t>(k < 0 ? 0 : k > 255 ? 255 : k);
+    int product = kY * -16;
+    for (int k = 0; k < 256; ++k, product += kY) t.y_term[k] = k < 16 ? 0 : product >> 13;
+    fill_chroma(t.v_to_r, kVR);
+    fill_chroma(t.v_to_g, kVG);
+    fill_chroma(t.u_to_g, kUG);
+    fill_chroma(t.u_to_b, kUB);
+    g_yuv_tables_ready = true;
+}
+
+pthread_once_t tables_once = PTHREAD_ONCE_INIT;
+
+// Runs while the library loads, before any native can be called: the tables
+// are written once and only read afterwards, so no caller races a rebuild.
+[[maybe_unused]] const bool tables_built_at_load = (image_filter_initialize(), true);
+
 }  // namespace
 }  // namespace ifc
 
 extern "C" {
 
-void image_filter_initialize(void) {
-    ifc::YuvTables& t = ifc::g_yuv_tables;
-    for (int k = -512; k < 768; ++k) t.clamp[k + 512] = static_cast<uint8_t>(k < 0 ? 0 : k > 255 ? 255 : k);
-    int product = ifc::kY * -16;
-    for (int k = 0; k < 256; ++k, product += ifc::kY) t.y_term[k] = k < 16 ? 0 : product >> 13;
-    ifc::fill_chroma(t.v_to_r, ifc::kVR);
-    ifc::fill_chroma(t.v_to_g, ifc::kVG);
-    ifc::fill_chroma(t.u_to_g, ifc::kUG);
-    ifc::fill_chroma(t.u_to_b, ifc::kUB);
-    ifc::g_yuv_tables_ready = true;
-}
+void image_filter_initialize(void) { pthread_once(&ifc::tables_once, ifc::build_tables); }
 
 intptr_t image_filter_uninitialize(intptr_t word) { return word; }
 

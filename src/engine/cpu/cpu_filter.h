@@ -40,6 +40,9 @@ public:
     virtual float getProperty(const char* name);
 
     const HFCPUParamMap& parameters() const { return params; }
+    // Drops the value stored under `name`, so that the next setter stores
+    // its own: how a value set at run time replaces the first one.
+    void eraseParameter(const char* name) { params.erase(std::string(name != nullptr ? name : "")); }
     HFCPUFilterFunction filterFunction() const { return function; }
 
 private:

@@ -5,10 +5,11 @@
 #include <cstring>
 
 #include "engine/cpu/cpu_filter.h"
+#include "engine/engine_problems.h"
 #include "engine/filter_package.h"
 #include "engine/gl/gl_filter.h"
 #include "engine/gl/gl_filter_impl.h"
-#include "jni/log.h"
+#include "engine/gl/shader_origin.h"
 
 HFFilterDescNode::HFFilterDescNode() = default;
 
@@ -31,16 +32,20 @@ void HFFilterDescNode::parse(tinyxml2::XMLElement* element) {
 }
 
 shared_ptr<IHFFilter> HFFilterDescNode::createFilter() {
+    const HFPackageScope package(name);
     shared_ptr<IHFFilter> filter;
     if (preferCPU) {
         filter = HFCPUFilter::createFilter(implement.c_str());
     } else {
         const shared_ptr<HFGLFilterImpl> impl = HFGLFilterImpl_lookup(implement);
         if (impl->vertexSources.empty() || impl->fragmentSources.empty()) {
-            log_printE("GL filter description %s has no vertex or fragment shader",
-                       HFGLFilterImpl::pathOf(implement).c_str());
+            const std::string& package = HFPackageScope::current();
+            HFProblem_report((package.empty() ? std::string() : "filter package " + package + ": ") +
+                             "GL filter description " + HFGLFilterImpl::pathOf(implement) +
+                             " has no vertex or fragment shader");
             return filter;
         }
+        const HFShaderOriginScope origin(implement, impl.get());
         filter = HFGLFilter::createFilter(impl->fragmentSources, impl->vertexSources);
     }
     for (const shared_ptr<HFFilterParam>& param : params) param->apply(filter.get(), name);

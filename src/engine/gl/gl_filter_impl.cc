@@ -5,6 +5,16 @@
 #include "engine/gl/xml_text.h"
 #include "engine/resource_loader.h"
 
+namespace {
+
+// The line on which the element's text (or CDATA section) begins.
+int textLineOf(const tinyxml2::XMLElement* element) {
+    const tinyxml2::XMLNode* text = element->FirstChild();
+    return text != nullptr ? text->GetLineNum() : element->GetLineNum();
+}
+
+}  // namespace
+
 HFGLFilterImpl::~HFGLFilterImpl() = default;
 
 std::string HFGLFilterImpl::pathOf(const std::string& name) { return "filter/gl/" + name + ".xml"; }
@@ -12,6 +22,8 @@ std::string HFGLFilterImpl::pathOf(const std::string& name) { return "filter/gl/
 void HFGLFilterImpl::load(const std::string& name) {
     fragmentSources.clear();
     vertexSources.clear();
+    fragmentLines.clear();
+    vertexLines.clear();
 
     tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
     _Image* blob = HFResourceLoader_loadDataResource(pathOf(name).c_str());
@@ -22,14 +34,20 @@ void HFGLFilterImpl::load(const std::string& name) {
     const tinyxml2::XMLElement* root = document.FirstChildElement();
     if (root == nullptr) return;
     // Sources are kept exactly as written, whitespace included.
-    if (const char* vertex = xmlTextOf(root->FirstChildElement("vertex"))) vertexSources.push_back(vertex);
+    const tinyxml2::XMLElement* vertexElement = root->FirstChildElement("vertex");
+    if (const char* vertex = xmlTextOf(vertexElement)) {
+        vertexSources.push_back(vertex);
+        vertexLines.push_back(textLineOf(vertexElement));
+    }
     for (const tinyxml2::XMLElement* fragment = root->FirstChildElement("fragment"); fragment != nullptr;
          fragment = fragment->NextSiblingElement("fragment")) {
         const char* text = xmlTextOf(fragment);
         fragmentSources.push_back(text != nullptr ? text : "");
+        fragmentLines.push_back(textLineOf(fragment));
     }
     if (vertexSources.size() == 1 && fragmentSources.size() >= 2) {
         vertexSources.resize(fragmentSources.size(), vertexSources[0]);
+        vertexLines.resize(fragmentSources.size(), vertexLines[0]);
     }
 }
 

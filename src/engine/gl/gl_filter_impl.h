@@ -15,6 +15,10 @@ struct IFC_API HFGLFilterImpl {
     // The first "vertex" text, repeated once per fragment when there are
     // several fragments.
     std::vector<std::string> vertexSources;
+    // Line of the description file on which each text begins (its line 1),
+    // for messages about the shader's lines.
+    std::vector<int> fragmentLines;
+    std::vector<int> vertexLines;
 
     virtual ~HFGLFilterImpl();
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "engine/gl/shader_decipher.h"
+#include "engine/gl/shader_origin.h"
 #include "jni/log.h"
 
 namespace {
@@ -17,6 +18,7 @@ public:
     ShaderText& operator=(const ShaderText&) = delete;
 
     const char* text() const { return deciphered != nullptr ? deciphered : source; }
+    bool sealed() const { return deciphered != nullptr; }
 
 private:
     char* deciphered;
@@ -41,25 +43,30 @@ bool compileShader(GLuint* shader, GLenum type, const char* source) {
     if (status != 1) {
         GLint length = 0;
         glGetShaderiv(*shader, GL_INFO_LOG_LENGTH, &length);
+        std::vector<char> log(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
         if (length > 0) {
-            std::vector<char> log(static_cast<size_t>(length) + 1, '\0');
             glGetShaderInfoLog(*shader, length, nullptr, log.data());
             log_printE("Shader compile log:\n%s", log.data());
         }
+        HFShaderOrigin_reportCompileFailure(type, source, text.sealed(), log.data());
     }
     return status == 1;
+}
+
+// The program info log; empty (a single NUL) when there is none.
+std::vector<char> programLog(GLuint object) {
+    GLint length = 0;
+    glGetProgramiv(object, GL_INFO_LOG_LENGTH, &length);
+    std::vector<char> log(static_cast<size_t>(length > 1 ? length : 0) + 1, '\0');
+    if (length > 1) glGetProgramInfoLog(object, length, &length, log.data());
+    return log;
 }
 
 // Always the program query, also for a shader name after a compile failure
 // (which only raises a GL error): the original diagnostics work this way.
 void printLog(GLuint object) {
-    GLint length = 0;
-    glGetProgramiv(object, GL_INFO_LOG_LENGTH, &length);
-    if (length > 1) {
-        std::vector<char> log(static_cast<size_t>(length) + 1, '\0');
-        glGetProgramInfoLog(object, length, &length, log.data());
-        log_printD("Log: %s\n", log.data());
-    }
+    const std::vector<char> log = programLog(object);
+    if (log[0] != '\0') log_printD("Log: %s\n", log.data());
 }
 
 }  // namespace
@@ -74,11 +81,13 @@ shared_ptr<GLFilterProgram> GLFilterProgram::create(const char* vertexSource, co
     shared_ptr<GLFilterProgram> record(new GLFilterProgram());
     GLFilterProgram& p = *record;
     p.program = glCreateProgram();
-    if (!compileShader(&p.vertexShader, GL_VERTEX_SHADER, vertexSource)) {
+    const bool vertexCompiled = compileShader(&p.vertexShader, GL_VERTEX_SHADER, vertexSource);
+    if (!vertexCompiled) {
         log_printD("Vertex ");
         printLog(p.vertexShader);
     }
-    if (!compileShader(&p.fragmentShader, GL_FRAGMENT_SHADER, fragmentSource)) {
+    const bool fragmentCompiled = compileShader(&p.fragmentShader, GL_FRAGMENT_SHADER, fragmentSource);
+    if (!fragmentCompiled) {
         log_printD("Fragment ");
         printLog(p.fragmentShader);
     }
@@ -91,6 +100,8 @@ shared_ptr<GLFilterProgram> GLFilterProgram::create(const char* vertexSource, co
     if (linked == 0) {
         log_printD("Program ");
         printLog(p.program);
+        // After a compile failure the link failure says nothing new.
+        if (vertexCompiled && fragmentCompiled) HFShaderOrigin_reportLinkFailure(programLog(p.program).data());
     } else {
         // The names stay in the record, so the destructor deletes them once
         // more; GL accepts that for shaders still attached to the program.

@@ -8,4 +8,5 @@ target_sources(ifc_objects PRIVATE
   engine/gl/gl_filter_impl.cc
   engine/gl/gl_filter_program.cc
   engine/gl/matrix3.cc
-  engine/gl/shader_decipher.cc)
+  engine/gl/shader_decipher.cc
+  engine/gl/shader_origin.cc)
