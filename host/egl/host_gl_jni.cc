@@ -64,6 +64,14 @@ std::vector<unsigned char> rgbaOf(JNIEnv* env, jintArray argb, size_t count) {
 JNIEXPORT void JNICALL Java_com_lumeric_host_HostGL_nativeFillTexture(JNIEnv* env, jclass, jint texture, jint width,
                                                                       jint height, jintArray argb) {
     if (!haveContext(env)) return;
+    GLint maxSize = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &maxSize);
+    if (width > maxSize || height > maxSize) {
+        const std::string message = "texture size " + std::to_string(width) + "x" + std::to_string(height) +
+                                    " is beyond GL_MAX_TEXTURE_SIZE " + std::to_string(maxSize);
+        env->ThrowNew(env->FindClass("java/lang/IllegalArgumentException"), message.c_str());
+        return;
+    }
     const std::vector<unsigned char> rgba = rgbaOf(env, argb, static_cast<size_t>(width) * height);
     GLint bound = 0;
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
@@ -77,7 +85,6 @@ JNIEXPORT void JNICALL Java_com_lumeric_host_HostGL_nativeFillTexture(JNIEnv* en
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
-    if (glGetError() != GL_NO_ERROR) throwIllegalState(env, "glTexImage2D failed (size beyond GL_MAX_TEXTURE_SIZE?)");
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_host_HostGL_nativeGenTexture(JNIEnv* env, jclass) {

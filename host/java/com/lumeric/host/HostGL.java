@@ -35,6 +35,9 @@ public final class HostGL implements AutoCloseable {
     /**
      * A new RGBA texture of {@code width} x {@code height} holding {@code argb},
      * with linear filtering and clamp-to-edge wrapping.
+     *
+     * @throws IllegalArgumentException for a size beyond GL_MAX_TEXTURE_SIZE
+     *         or fewer pixels than the size needs
      */
     public static int createTexture(int width, int height, int[] argb) {
         checkPixels(width, height, argb);
