@@ -5,7 +5,6 @@ import com.lumeric.filter.GLSLRender;
 import com.lumeric.filter.QImage;
 import com.lumeric.host.DirectoryBundle;
 import com.lumeric.host.HostGL;
-import com.lumeric.host.ImageFilterTables;
 import com.lumeric.util.FilterEngineJNILib;
 
 import java.awt.image.BufferedImage;
@@ -62,8 +61,6 @@ public final class FilterDemo {
         System.out.printf("frame %dx%d NV21 (%d bytes), %d packages from %s%n", w, h, nv21.length, packages.size(),
                 options.bundle);
 
-        // The app builds the conversion tables once before the first frame.
-        ImageFilterTables.initialize();
         FilterEngineJNILib.setBundle(new DirectoryBundle(options.bundle));
         int failed = 0;
         try (HostGL gl = openGL(w, h); QImage frame = new QImage()) {
@@ -89,7 +86,7 @@ public final class FilterDemo {
         }
         write("contact-sheet", ContactSheet.draw(tiles, Math.min(w, 320)));
         printTable();
-        if (failed > 0) throw new DemoFailure(1, failed + " of " + packages.size() + " packages gave no output");
+        if (failed > 0) throw new DemoFailure(1, failed + " of " + packages.size() + " packages failed to build or render");
     }
 
     private boolean runPackage(String name, int input, int w, int h) {
@@ -98,12 +95,18 @@ public final class FilterDemo {
             // The first frame loads the package and compiles its shaders.
             double first = once(() -> filter.render(input, w, h), DemoGL::finish);
             int output = filter.outputTexture();
-            if (output == 0) {
-                System.out.println("  no output texture: the package did not load (see the log above)");
-                addTiming(name, first, "no output");
+            if (output == 0 || filter.lastError() != null) {
+                String why = filter.lastError() != null ? filter.lastError() : "the package gave no output texture";
+                System.out.println("  FAILED: " + why);
+                addTiming(name, first, "failed");
                 return false;
             }
             double perFrame = average(() -> filter.render(input, w, h), DemoGL::finish);
+            if (filter.lastError() != null) {
+                System.out.println("  FAILED: " + filter.lastError());
+                addTiming(name, first, "failed");
+                return false;
+            }
             addTiming(name, first, String.format("%.2f", perFrame));
             byte[] rgba = new byte[w * h * 4];
             GLSLRender.nativeCopyTexturToDataWithShare(filter.outputTexture(), rgba, w, h, DIRECT_READ_SLOT);

@@ -44,8 +44,13 @@ class FilterDemoTest {
     private record Run(int status, String output) {}
 
     private static Run demo(Path out, Map<String, String> environment) throws IOException, InterruptedException {
+        return demo(out, packages, environment);
+    }
+
+    private static Run demo(Path out, Path bundle, Map<String, String> environment)
+            throws IOException, InterruptedException {
         ProcessBuilder builder = new ProcessBuilder(launcher.toString(), "--size", W + "x" + H, "--frames", "2",
-                "--bundle", packages.toString(), "--out", out.toString());
+                "--bundle", bundle.toString(), "--out", out.toString());
         builder.environment().put("IFC_DEMO_JAVA_OPTIONS", "-Xcheck:jni");
         builder.environment().putAll(environment);
         Process process = builder.redirectErrorStream(true).start();
@@ -115,6 +120,30 @@ class FilterDemoTest {
         }
         BufferedImage sheet = ImageIO.read(out.resolve("contact-sheet.png").toFile());
         assertTrue(sheet.getWidth() > W && sheet.getHeight() > H);
+    }
+
+    @Test
+    void aPackageWhoseShaderDoesNotCompileFailsTheRun(@TempDir Path out, @TempDir Path bundle) throws Exception {
+        String vertex = "attribute vec4 position; attribute vec2 inputTextureCoordinate; varying vec2 uv;"
+                + " void main(){ gl_Position = position; uv = inputTextureCoordinate; }";
+        String head = "precision mediump float; varying vec2 uv; uniform sampler2D inputImageTexture;";
+        Files.createDirectories(bundle.resolve("filter/gl"));
+        Files.writeString(bundle.resolve("filter/gl/fine.xml"), "<glfilter><vertex>" + vertex
+                + "</vertex><fragment>" + head + " void main(){ gl_FragColor = texture2D(inputImageTexture, uv).bgra; }"
+                + "</fragment></glfilter>");
+        Files.writeString(bundle.resolve("filter/gl/typo.xml"), "<glfilter><vertex>" + vertex
+                + "</vertex>\n<fragment>" + head + "\nvoid main(){ gl_FragColor = texture2D(inputImageTexure, uv); }"
+                + "</fragment></glfilter>");
+        for (String name : List.of("fine", "typo")) {
+            Files.createDirectories(bundle.resolve("filter/" + name));
+            Files.writeString(bundle.resolve("filter/" + name + "/filter.xml"), "<filter implement='" + name + "'/>");
+        }
+        Run run = demo(out, bundle, Map.of());
+        assertEquals(1, run.status(), run.output());
+        assertTrue(run.output().contains("FAILED: filter package typo: filter/gl/typo.xml:3: fragment shader"),
+                run.output());
+        assertTrue(run.output().contains("1 of 2 packages failed"), run.output());
+        assertTrue(Files.exists(out.resolve("fine.png")));
     }
 
     @Test
