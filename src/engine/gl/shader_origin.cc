@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdlib>
+#include <cstring>
 #include <sstream>
 
 #include "engine/engine_problems.h"
@@ -59,21 +60,38 @@ HFShaderOriginScope::HFShaderOriginScope(const std::string& implementName, const
 
 HFShaderOriginScope::~HFShaderOriginScope() { innermostOrigin = outer; }
 
-int HFShaderOrigin_glslLine(const std::string& logLine) {
-    // The first "digits:digits" followed by '(' or ':' is source:line.
-    for (size_t i = 0; i < logLine.size(); ++i) {
-        if (!isdigit(static_cast<unsigned char>(logLine[i])) || (i > 0 && isdigit(static_cast<unsigned char>(logLine[i - 1])))) {
-            continue;
-        }
-        size_t j = i;
-        while (j < logLine.size() && isdigit(static_cast<unsigned char>(logLine[j]))) ++j;
-        if (j >= logLine.size() || logLine[j] != ':') continue;
-        size_t k = j + 1;
-        while (k < logLine.size() && isdigit(static_cast<unsigned char>(logLine[k]))) ++k;
-        if (k == j + 1 || k >= logLine.size() || (logLine[k] != '(' && logLine[k] != ':')) continue;
-        return atoi(logLine.c_str() + j + 1);
+namespace {
+
+bool digitAt(const std::string& text, size_t i) {
+    return i < text.size() && isdigit(static_cast<unsigned char>(text[i])) != 0;
+}
+
+size_t skipDigits(const std::string& text, size_t i) {
+    while (digitAt(text, i)) ++i;
+    return i;
+}
+
+// The line of the first "source<open>line<close>" in the text, where a digit
+// run starts the pattern; 0 when there is none.
+int lineAfter(const std::string& text, char open, const char* closers) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (!digitAt(text, i) || digitAt(text, i - 1)) continue;
+        const size_t j = skipDigits(text, i);
+        if (j >= text.size() || text[j] != open) continue;
+        const size_t k = skipDigits(text, j + 1);
+        if (k == j + 1 || k >= text.size() || strchr(closers, text[k]) == nullptr) continue;
+        return atoi(text.c_str() + j + 1);
     }
     return 0;
+}
+
+}  // namespace
+
+int HFShaderOrigin_glslLine(const std::string& logLine) {
+    // "0:12(5)" (Mesa), "0:12:" (glslang and most mobile drivers), then
+    // "0(12) :" (NVIDIA).
+    const int line = lineAfter(logLine, ':', "(:");
+    return line != 0 ? line : lineAfter(logLine, '(', ")");
 }
 
 void HFShaderOrigin_reportCompileFailure(GLenum type, const char* source, bool sealed, const char* log) {

@@ -49,8 +49,9 @@ private:
 IFC_API void HFShaderOrigin_reportCompileFailure(GLenum type, const char* source, bool sealed, const char* log);
 IFC_API void HFShaderOrigin_reportLinkFailure(const char* log);
 
-// "0:12(5): error: ..." (Mesa) or "ERROR: 0:12: ..." (most others): the line
-// number, or 0 when the log line names none.
+// "0:12(5): error: ..." (Mesa), "ERROR: 0:12: ..." (most others) or
+// "0(12) : error ..." (NVIDIA): the line number, or 0 when the log line names
+// none.
 IFC_API int HFShaderOrigin_glslLine(const std::string& logLine);
 
 #endif  // IFC_ENGINE_GL_SHADER_ORIGIN_H

@@ -51,6 +51,8 @@ TEST(ShaderOriginTest, GlslLineReadsTheCommonLogFormats) {
         {"0:12(5): error: `foo' undeclared", 12},        // Mesa
         {"ERROR: 0:7: 'foo' : undeclared identifier", 7},  // glslang, Adreno, Mali
         {"WARNING: 0:3: extension not supported", 3},
+        {"0(12) : error C1008: undefined variable \"foo\"", 12},  // NVIDIA
+        {"0:4(12): error: x", 4},  // the column is not the line
         {"error: linking failed", 0},
         {"12 errors", 0},
         {"", 0},
