@@ -1,6 +1,5 @@
-// JNI side of com.lumeric.host.ImageFilterTables: on a device the app's own
-// native code builds the conversion tables; host programs and tests do it
-// through this class.
+// JNI side of com.lumeric.host.ImageFilterTables: image_filter_initialize for
+// Java programs on a host (the tables are already built at load).
 #include <jni.h>
 
 #include "image_filter/filters.h"

@@ -3,8 +3,9 @@ package com.lumeric.host;
 import com.lumeric.util.NativeLibrary;
 
 /**
- * Host only: builds the library's conversion tables (image_filter_initialize),
- * which the app's native code does on a device before the first camera frame.
+ * Host only: calls the library's image_filter_initialize. The conversion
+ * tables are built when the library loads, so nothing needs this; it stays
+ * for programs that always called it, and a call changes nothing.
  */
 public final class ImageFilterTables {
     static {
