@@ -4,9 +4,7 @@
 #include <EGL/egl.h>
 
 #include "engine/cpu/cpu_filter.h"
-#include "engine/filter_object.h"
 #include "engine/filter_wraper.h"
-#include "engine/gl/gl_filter_fbo.h"
 #include "engine/gl/shader_origin.h"
 #include "gl_test_support.h"
 #include "jni/capture_stderr.h"
@@ -143,27 +141,17 @@ TEST_F(RuntimeProblemsTest, WrapperKeepsItsLastProblem) {
     EXPECT_NE(std::string::npos, wraper.lastProblem().find("EGL context"));
 }
 
-// A float declared by two leaves (one inside an included package) reaches
-// both; a leaf whose shader has the uniform but whose description does not
-// declare it is left alone; refused values say why.
-TEST_F(RuntimeProblemsTest, TextParametersReachEveryDeclaringLeaf) {
-    const std::string scale = std::string(kHead) +
-                              "uniform float amount; void main(){ gl_FragColor = vec4(texture2D(inputImageTexture, "
-                              "uv).rgb * amount, 1.0); }";
-    describeFragment("tp_scale", scale);
-    // Undeclared: amount stays 0 and the leaf copies its input.
-    describeFragment("tp_copy", std::string(kHead) +
-                                    "uniform float amount; void main(){ gl_FragColor = vec4(texture2D("
-                                    "inputImageTexture, uv).rgb * (1.0 + amount), 1.0); }");
-    describeFragment("tp_tint", std::string(kHead) + "uniform vec4 tint; uniform float toneCurve[256];"
-                                                     " void main(){ gl_FragColor = tint + vec4(vec3(toneCurve[1]), 0.0); }");
-    const std::string amount = "<param><name>amount</name><float>1.0</float></param>";
-    pack("tp_inner", "<filter implement='tp_scale'>" + amount + "</filter>");
-    pack("tp_outer", "<model><filter implement='tp_scale'>" + amount +
-                         "</filter><filter include='tp_inner'/><filter implement='tp_copy'/>"
-                         "<filter implement='tp_tint'><param><name>tint</name><vector4f/></param>"
-                         "<param><name>toneCurve</name><curve>0</curve></param></filter></model>");
-    HFFilterWraper wraper("tp_outer");
+// Values written as in a package file, read by the kind the package
+// declares; refused ones say why and change nothing.
+TEST_F(RuntimeProblemsTest, TextParametersAreReadByTheirDeclaredKind) {
+    describeFragment("tp_all", std::string(kHead) +
+                                   "uniform float amount; uniform vec4 tint; uniform float toneCurve[256];\n"
+                                   "void main(){ gl_FragColor = vec4(texture2D(inputImageTexture, uv).rgb * amount,"
+                                   " 1.0) + tint + vec4(vec3(toneCurve[1]), 0.0); }");
+    pack("tp_text", "<filter implement='tp_all'><param><name>amount</name><float>1</float></param>"
+                    "<param><name>tint</name><vector4f/></param><param><name>toneCurve</name><curve>0</curve>"
+                    "</param></filter>");
+    HFFilterWraper wraper("tp_text");
     ASSERT_EQ("", wraper.lastProblem());
 
     const struct {
@@ -173,7 +161,7 @@ TEST_F(RuntimeProblemsTest, TextParametersReachEveryDeclaringLeaf) {
     } cases[] = {
         {"amount", "0.25", ""},
         {"amount", " 5e-1", ""},  // the last accepted value wins
-        {"tint", "0.2, 0.4,0.6,1", ""},
+        {"tint", "0.2, 0.4,0.6,0", ""},
         {"toneCurve", "0,51", ""},
         {"amount", "half", "param amount is a float: \"half\" is not one number"},
         {"amount", "0.5,1", "is not one number"},
@@ -193,24 +181,8 @@ TEST_F(RuntimeProblemsTest, TextParametersReachEveryDeclaringLeaf) {
             EXPECT_EQ(problem, wraper.lastProblem());
         }
     }
-    // Only the last child's output is the package's; read the chain through
-    // the composite's children instead: child 2 sees 200 * 0.5 * 0.5.
-    renderPixel(wraper, {200, 100, 40, 255});
-    auto* composite = dynamic_cast<HFFilterObject*>(wraper.filter.get());
-    ASSERT_NE(nullptr, composite);
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    std::vector<unsigned char> copied(4);
-    const GLint copyOutput = static_cast<GLint>(glTextureNameOf(composite->filterAt(2)->outputTexture().get()));
-    GLuint framebuffer = 0;
-    glGenFramebuffers(1, &framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, copyOutput, 0);
-    const std::vector<unsigned char> chain = readPixels(0, 0, 1, 1);
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    glDeleteFramebuffers(1, &framebuffer);
-    EXPECT_EQ((std::vector<unsigned char>{50, 25, 10, 255}), chain) << "amount 0.5 twice, the copy untouched";
-    // The tint leaf is the output: its vec4 plus curve entry 1 (51 / 256).
-    EXPECT_EQ((std::vector<unsigned char>{102, 153, 204, 255}), renderPixel(wraper, {0, 0, 0, 255}));
+    // 200 * 0.5 + 0.2 * 255 + 51 / 256 * 255, and so on.
+    EXPECT_EQ((std::vector<unsigned char>{202, 203, 224, 255}), renderPixel(wraper, {200, 100, 40, 255}));
     EXPECT_FALSE(HFFilterWraper_setParameter(nullptr, "amount", "1", nullptr));
     EXPECT_FALSE(HFFilterWraper_setParameter(&wraper, nullptr, "1", nullptr));
 }
