@@ -12,6 +12,7 @@
 #include "image_files.h"
 #include "package_lint.h"
 #include "package_render.h"
+#include "preview_server.h"
 #include "seal.h"
 
 namespace {
@@ -25,7 +26,8 @@ int usage() {
                  "usage: filterpack seal ios|aes|mee|hfe SHADER_FILE\n"
                  "       filterpack lint BUNDLE_DIR PACKAGE...\n"
                  "       filterpack render BUNDLE_DIR PACKAGE INPUT_IMAGE OUTPUT_PNG\n"
-                 "       filterpack bench BUNDLE_DIR PACKAGE WIDTHxHEIGHT [FRAMES]\n");
+                 "       filterpack bench BUNDLE_DIR PACKAGE WIDTHxHEIGHT [FRAMES]\n"
+                 "       filterpack serve BUNDLE_DIR [PORT]\n");
     return kUsageError;
 }
 
@@ -138,5 +140,6 @@ int main(int argc, char** argv) {
     if (command == "lint" && argc >= 4) return lint(argv[2], argv + 3, argc - 3);
     if (command == "render" && argc == 6) return render(argv[2], argv[3], argv[4], argv[5]);
     if (command == "bench" && (argc == 5 || argc == 6)) return bench(argv[2], argv[3], argv[4], argc == 6 ? argv[5] : nullptr);
+    if (command == "serve" && (argc == 3 || argc == 4)) return servePreview(argv[2], argc == 4 ? std::atoi(argv[3]) : 8080);
     return usage();
 }
