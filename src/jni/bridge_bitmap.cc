@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "image/borrowed_pixels.h"
 #include "jni/bridge.h"
 
 namespace {
@@ -28,15 +29,24 @@ size_t copyImageToPixels(const _Image* image, void* pixels, size_t capacity) {
 extern "C" {
 
 // The header is 4 channels with a derived stride whatever the bitmap's own
-// format and stride; a failed lock shows only as null data.
+// format and stride; a failed lock shows only as null data. A bitmap whose
+// info cannot be read (a null one among others) gives an empty header that
+// was never locked. Null only when the header cannot be allocated.
 _Image* bindBitmap2Image(JNIEnv* env, jobject bitmap) {
     AndroidBitmapInfo info{};
-    AndroidBitmap_getInfo(env, bitmap, &info);
+    bool readable = AndroidBitmap_getInfo(env, bitmap, &info) >= 0;
+    if (!readable) info = AndroidBitmapInfo{};
     _Image* image = create_image_header(static_cast<int>(info.width),
                                         static_cast<int>(info.height), 4, -1);
+    if (image == nullptr) return nullptr;
     void* pixels = nullptr;
-    if (AndroidBitmap_lockPixels(env, bitmap, &pixels) < 0) pixels = nullptr;
+    if (!readable || AndroidBitmap_lockPixels(env, bitmap, &pixels) < 0) pixels = nullptr;
     image->data = static_cast<unsigned char*>(pixels);
+    if (!ifc::markPixelsBorrowed(image)) {
+        // Unmarked, the bitmap's pixels could be freed as the image's own.
+        if (pixels != nullptr) AndroidBitmap_unlockPixels(env, bitmap);
+        image->data = nullptr;
+    }
     return image;
 }
 

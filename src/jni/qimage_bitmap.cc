@@ -6,6 +6,7 @@
 #include <cstring>
 #include <optional>
 
+#include "image/borrowed_pixels.h"
 #include "jni/bridge.h"
 #include "jni/qimage_guards.h"
 #include "jni/qimage_ops.h"
@@ -34,15 +35,13 @@ struct BitmapSource {
 };
 
 // Builds a QImage for Bitmap2QImage / BindBitmap once every step passed.
-// With an exception raised the object would be unreachable behind it, so
-// none is built; a binding still leaves a locked bitmap locked, as binding
-// always does.
+// Bitmap info that cannot be read (a null bitmap among others) gives null
+// without an exception. With an exception raised the object would be
+// unreachable behind it, so none is built; a binding still leaves a locked
+// bitmap locked, as binding always does. A binding keeps the lock only
+// once its QImage exists.
 template <typename MakeImage>
 jobject newQImageFromBitmap(JNIEnv* env, jobject bitmap, bool binds, MakeImage makeImage) {
-    if (bitmap == nullptr) {
-        jniThrowNullPointerException(env, "bitmap is null");
-        return nullptr;
-    }
     AndroidBitmapInfo info{};
     if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return nullptr;
     ifc::DeferredThrow pending(env);
@@ -58,10 +57,11 @@ jobject newQImageFromBitmap(JNIEnv* env, jobject bitmap, bool binds, MakeImage m
     }
     jobject result = CreateQImage(env, &source.imageInfo);
     if (result == nullptr) {
-        free_image(&image);
+        free_image(&image);  // a bound header goes without the bitmap's pixels
         return nullptr;
     }
     SetNativeImage(env, &source.imageInfo, result, image);
+    if (binds) source.pixels.keepLocked();  // until UnBindBitmap
     return result;
 }
 
@@ -116,10 +116,11 @@ JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_BindBitmap(JNIEnv* env,
     return newQImageFromBitmap(env, bitmap, true, [](BitmapSource& source) {
         int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
         _Image* header = create_image_header(w, h, 4, w * 4);
-        if (header != nullptr) {
-            header->data = static_cast<unsigned char*>(source.pixels.get());
-            source.pixels.keepLocked();  // until UnBindBitmap
-        }
+        if (header == nullptr) return header;
+        header->data = static_cast<unsigned char*>(source.pixels.get());
+        // The pixels stay the bitmap's: disposing, replacing or turning the
+        // image never frees them.
+        if (!ifc::markPixelsBorrowed(header)) free_image_header(&header);
         return header;
     });
 }
@@ -158,11 +159,7 @@ JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_ToBitmap(JNIEnv* env, 
 
 // On the bound image: drops the borrowed pixels and the header, then unlocks.
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_UnBindBitmap(JNIEnv* env, jobject self, jobject bitmap) {
-    if (bitmap == nullptr) {
-        jniThrowNullPointerException(env, "bitmap is null");
-        return JNI_FALSE;
-    }
-    AndroidBitmapInfo info{};
+    AndroidBitmapInfo info{};  // unreadable (a null bitmap too): false, nothing done
     if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return JNI_FALSE;
     ifc::QImageSelf qimage(env, self);
     if (qimage.image != nullptr) qimage.image->data = nullptr;
