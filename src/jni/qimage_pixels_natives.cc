@@ -24,15 +24,14 @@ int64_t nv21_nominal_bytes(int width, int height) { return int64_t{width} * heig
 int64_t two_bytes_per_pixel(int width, int height) { return int64_t{width} * height * 2; }
 
 // Checks the Java arguments; raises and returns false when they are unusable.
+// A null array passes: the frame image is still made and attached, and the
+// missing bytes are reported as every format's out-of-memory message.
 bool frame_arguments_ok(JNIEnv* env, jbyteArray data, int width, int height, int64_t nominal_bytes) {
-    if (data == nullptr) {
-        jniThrowNullPointerException(env, "frame data is null");
-        return false;
-    }
     if (width < 0 || height < 0 || int64_t{width} * height * 4 > INT_MAX) {
         jniThrowRuntimeException(env, "frame size out of range");
         return false;
     }
+    if (data == nullptr) return true;
     const jsize length = env->GetArrayLength(data);
     if (length < nominal_bytes) {
         char message[128];
@@ -55,11 +54,11 @@ void convert_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int he
     ImageInfo info;
     GetImageInfo(env, &info);
     _Image* image = ifc::frame_image_for(GetNativeImage(env, &info, thiz), out_width, out_height);
-    image->layout = 0x01020304;
+    if (image != nullptr) image->layout = 0x01020304;
     SetNativeImage(env, &info, thiz, image);
     ifc::ByteElements frame(env, data);
     // One message for every format, as Java code matches on it.
-    if (frame.data() == nullptr || image->data == nullptr) {
+    if (frame.data() == nullptr || image == nullptr || image->data == nullptr) {
         jniThrowRuntimeException(env, "Out of memory of QImage.DecodeYUV420sp");
         return;
     }
@@ -131,11 +130,7 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV2(JNIEnv* env,
 
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_alphaMix(JNIEnv* env, jobject thiz, jobject overlay,
                                                                    jint x, jint y) {
-    if (overlay == nullptr) {
-        jniThrowNullPointerException(env, "overlay bitmap is null");
-        return JNI_FALSE;
-    }
-    AndroidBitmapInfo bitmap{};
+    AndroidBitmapInfo bitmap{};  // a null overlay has no info either: logged, no exception
     if (AndroidBitmap_getInfo(env, overlay, &bitmap) < 0) {
         log_printE("can't get Bitmap info");
         return JNI_FALSE;
