@@ -6,6 +6,7 @@
 
 #include "image/borrowed_pixels.h"
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 
 namespace {
 
@@ -57,24 +58,26 @@ void unbindBitmap(JNIEnv* env, jobject bitmap, _Image* image) {
 
 JNIEXPORT jint JNICALL Java_com_lumeric_util_FilterEngineJNILib_nativeCopyImage(
     JNIEnv* env, jclass, jobject bitmap, jlong nativeImage) {
-    if (bitmap == nullptr) {
-        jniThrowNullPointerException(env, "bitmap is null");
-        return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
-    }
-    const _Image* image = fromJavaHandle<_Image>(nativeImage);
-    if (image == nullptr) {
-        jniThrowRuntimeException(env, "native image is null");
-        return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
-    }
-    AndroidBitmapInfo info{};
-    int result = AndroidBitmap_getInfo(env, bitmap, &info);
-    if (result < 0) return result;
-    void* pixels = nullptr;
-    result = AndroidBitmap_lockPixels(env, bitmap, &pixels);
-    if (result < 0) return result;
-    // Never more than the bitmap holds, whatever the image's size.
-    copyImageToPixels(image, pixels, static_cast<size_t>(info.stride) * info.height);
-    return AndroidBitmap_unlockPixels(env, bitmap);
+    return ifc::guardNative(env, [&]() -> jint {
+        if (bitmap == nullptr) {
+            jniThrowNullPointerException(env, "bitmap is null");
+            return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
+        }
+        const _Image* image = fromJavaHandle<_Image>(nativeImage);
+        if (image == nullptr) {
+            jniThrowRuntimeException(env, "native image is null");
+            return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
+        }
+        AndroidBitmapInfo info{};
+        int result = AndroidBitmap_getInfo(env, bitmap, &info);
+        if (result < 0) return result;
+        void* pixels = nullptr;
+        result = AndroidBitmap_lockPixels(env, bitmap, &pixels);
+        if (result < 0) return result;
+        // Never more than the bitmap holds, whatever the image's size.
+        copyImageToPixels(image, pixels, static_cast<size_t>(info.stride) * info.height);
+        return AndroidBitmap_unlockPixels(env, bitmap);
+    });
 }
 
 }  // extern "C"

@@ -8,6 +8,7 @@
 
 #include "image/borrowed_pixels.h"
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 #include "jni/qimage_guards.h"
 #include "jni/qimage_ops.h"
 
@@ -101,72 +102,82 @@ struct BitmapTarget {
 extern "C" {
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_Bitmap2QImage(JNIEnv* env, jobject, jobject bitmap) {
-    return newQImageFromBitmap(env, bitmap, false, [](BitmapSource& source) {
-        int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
-        _Image* image = create_image(w, h, 4, w * 4);
-        if (image != nullptr) {
-            size_t count = std::min<size_t>(image->size, bitmapBytes(source.info));
-            std::memcpy(image->data, source.pixels.get(), count);
-        }
-        return image;
+    return ifc::guardNative(env, [&]() -> jobject {
+        return newQImageFromBitmap(env, bitmap, false, [](BitmapSource& source) {
+            int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
+            _Image* image = create_image(w, h, 4, w * 4);
+            if (image != nullptr) {
+                size_t count = std::min<size_t>(image->size, bitmapBytes(source.info));
+                std::memcpy(image->data, source.pixels.get(), count);
+            }
+            return image;
+        });
     });
 }
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_BindBitmap(JNIEnv* env, jobject, jobject bitmap) {
-    return newQImageFromBitmap(env, bitmap, true, [](BitmapSource& source) {
-        int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
-        _Image* header = create_image_header(w, h, 4, w * 4);
-        if (header == nullptr) return header;
-        header->data = static_cast<unsigned char*>(source.pixels.get());
-        // The pixels stay the bitmap's: disposing, replacing or turning the
-        // image never frees them.
-        if (!ifc::markPixelsBorrowed(header)) free_image_header(&header);
-        return header;
+    return ifc::guardNative(env, [&]() -> jobject {
+        return newQImageFromBitmap(env, bitmap, true, [](BitmapSource& source) {
+            int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
+            _Image* header = create_image_header(w, h, 4, w * 4);
+            if (header == nullptr) return header;
+            header->data = static_cast<unsigned char*>(source.pixels.get());
+            // The pixels stay the bitmap's: disposing, replacing or turning the
+            // image never frees them.
+            if (!ifc::markPixelsBorrowed(header)) free_image_header(&header);
+            return header;
+        });
     });
 }
 
 // Copies this image into the bitmap (QImage -> Bitmap, whatever the name says).
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_FromBitmap(JNIEnv* env, jobject self, jobject bitmap) {
-    ifc::DeferredThrow pending(env);
-    BitmapTarget target(env, self, bitmap, true, &pending);
-    if (!target.ready) return JNI_FALSE;
-    if (target.qimage->image == nullptr) {
-        pending.runtime("image is empty");  // nothing to copy from
-        return JNI_FALSE;
-    }
-    ifc::copyImagePrefix(target.qimage->image, target.imageBytes(), target.destination(), bitmapBytes(target.info));
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        ifc::DeferredThrow pending(env);
+        BitmapTarget target(env, self, bitmap, true, &pending);
+        if (!target.ready) return JNI_FALSE;
+        if (target.qimage->image == nullptr) {
+            pending.runtime("image is empty");  // nothing to copy from
+            return JNI_FALSE;
+        }
+        ifc::copyImagePrefix(target.qimage->image, target.imageBytes(), target.destination(), bitmapBytes(target.info));
+        return JNI_TRUE;
+    });
 }
 
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_ToBitmap(JNIEnv* env, jobject self, jobject bitmap) {
-    ifc::DeferredThrow pending(env);
-    BitmapTarget target(env, self, bitmap, false, &pending);
-    if (!target.ready) return JNI_FALSE;
-    const _Image* image = target.qimage->image;
-    if (image == nullptr) {
-        target.pixels->keepLocked();  // the bitmap is left locked here, as it always was
-        return JNI_FALSE;
-    }
-    const AndroidBitmapInfo& info = target.info;
-    if (info.format == ANDROID_BITMAP_FORMAT_RGBA_8888) {
-        ifc::copyImagePrefix(image, target.imageBytes(), target.destination(), bitmapBytes(info));
-    } else if (info.format == ANDROID_BITMAP_FORMAT_RGB_565) {
-        ifc::sampleToRGB565(image, static_cast<uint16_t*>(target.destination()), static_cast<int>(info.width),
-                            static_cast<int>(info.height), info.stride / 2);
-    }
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        ifc::DeferredThrow pending(env);
+        BitmapTarget target(env, self, bitmap, false, &pending);
+        if (!target.ready) return JNI_FALSE;
+        const _Image* image = target.qimage->image;
+        if (image == nullptr) {
+            target.pixels->keepLocked();  // the bitmap is left locked here, as it always was
+            return JNI_FALSE;
+        }
+        const AndroidBitmapInfo& info = target.info;
+        if (info.format == ANDROID_BITMAP_FORMAT_RGBA_8888) {
+            ifc::copyImagePrefix(image, target.imageBytes(), target.destination(), bitmapBytes(info));
+        } else if (info.format == ANDROID_BITMAP_FORMAT_RGB_565) {
+            ifc::sampleToRGB565(image, static_cast<uint16_t*>(target.destination()), static_cast<int>(info.width),
+                                static_cast<int>(info.height), info.stride / 2);
+        }
+        return JNI_TRUE;
+    });
 }
 
 // On the bound image: drops the borrowed pixels and the header, then unlocks.
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_UnBindBitmap(JNIEnv* env, jobject self, jobject bitmap) {
-    AndroidBitmapInfo info{};  // unreadable (a null bitmap too): false, nothing done
-    if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return JNI_FALSE;
-    ifc::QImageSelf qimage(env, self);
-    if (qimage.image != nullptr) qimage.image->data = nullptr;
-    free_image_header(&qimage.image);
-    qimage.attach(nullptr);
-    AndroidBitmap_unlockPixels(env, bitmap);
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        AndroidBitmapInfo info{};  // unreadable (a null bitmap too): false, nothing done
+        if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return JNI_FALSE;
+        ifc::QImageSelf qimage(env, self);
+        if (qimage.image != nullptr) qimage.image->data = nullptr;
+        free_image_header(&qimage.image);
+        qimage.attach(nullptr);
+        AndroidBitmap_unlockPixels(env, bitmap);
+        return JNI_TRUE;
+    });
 }
 
 }  // extern "C"

@@ -12,6 +12,7 @@
 #include "jni/bridge.h"
 #include "jni/camera_frames.h"
 #include "jni/jni_guards.h"
+#include "jni/native_guard.h"
 #include "jni/pixel_kernels.h"
 #include "jni/qimage_pixels.h"
 
@@ -87,76 +88,89 @@ extern "C" {
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_RGB565toRGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                   jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
-                       ifc::rgb565_bytes_read(width, height), ifc::rgb565_to_rgba);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
+                           ifc::rgb565_bytes_read(width, height), ifc::rgb565_to_rgba);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV422toRGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                   jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
-                       ifc::yuv422_bytes_read(width, height), ifc::yuv422_to_rgba);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
+                           ifc::yuv422_bytes_read(width, height), ifc::yuv422_to_rgba);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2RGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                    jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
-                       ifc::nv21_bytes_read(width, height), ifc::nv21_to_rgba);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
+                           ifc::nv21_bytes_read(width, height), ifc::nv21_to_rgba);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                    jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
-                       ifc::nv21_bytes_read(width, height), ifc::nv21_to_yuva);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
+                           ifc::nv21_bytes_read(width, height), ifc::nv21_to_yuva);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV2(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                     jint width, jint height, jint step) {
-    step = ifc::even_step(step);
-    // A step of 0 would divide by zero; a negative one gives no frame.
-    if (step <= 0) {
-        jniThrowRuntimeException(env, "YUV420sp2YUV2: step must be positive");
-        return;
-    }
-    if (width < 0 || height < 0) {
-        jniThrowRuntimeException(env, "frame size out of range");
-        return;
-    }
-    const int64_t bytes_read = ifc::nv21_decimated_bytes_read(width, height, step);
-    convert_frame(env, thiz, data, width, height, width / step, height / step,
-                  std::min(nv21_nominal_bytes(width, height), bytes_read), bytes_read, [=](const uint8_t* frame, uint8_t* out) {
-                      ifc::nv21_to_yuva_decimated(frame, width, height, step, out);
-                  });
+    ifc::guardNative(env, [&] {
+        step = ifc::even_step(step);
+        // A step of 0 would divide by zero; a negative one gives no frame.
+        if (step <= 0) {
+            jniThrowRuntimeException(env, "YUV420sp2YUV2: step must be positive");
+            return;
+        }
+        if (width < 0 || height < 0) {
+            jniThrowRuntimeException(env, "frame size out of range");
+            return;
+        }
+        const int64_t bytes_read = ifc::nv21_decimated_bytes_read(width, height, step);
+        convert_frame(env, thiz, data, width, height, width / step, height / step,
+                      std::min(nv21_nominal_bytes(width, height), bytes_read), bytes_read,
+                      [=](const uint8_t* frame, uint8_t* out) {
+                          ifc::nv21_to_yuva_decimated(frame, width, height, step, out);
+                      });
+    });
 }
 
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_alphaMix(JNIEnv* env, jobject thiz, jobject overlay,
                                                                    jint x, jint y) {
-    AndroidBitmapInfo bitmap{};  // a null overlay has no info either: logged, no exception
-    if (AndroidBitmap_getInfo(env, overlay, &bitmap) < 0) {
-        log_printE("can't get Bitmap info");
-        return JNI_FALSE;
-    }
-    if (bitmap.format != ANDROID_BITMAP_FORMAT_RGBA_8888) {
-        log_printE("Bitmap format is not RGBA_8888");
-        return JNI_FALSE;
-    }
-    ifc::BitmapPixels pixels(env, overlay);
-    if (pixels.data() == nullptr) {
-        log_printE("can't lock bitmap pixels");
-        return JNI_FALSE;
-    }
-    ImageInfo info;
-    if (!GetImageInfo(env, &info)) {
-        log_printE("can't GetImageInfo");
-        return JNI_FALSE;
-    }
-    _Image* image = GetNativeImage(env, &info, thiz);
-    if (image == nullptr || image->data == nullptr) {
-        log_printE("alphaMix: image is empty");
-        return JNI_FALSE;
-    }
-    ifc::alpha_mix_overlay(image, pixels.data(), static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
-                           x, y);
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        AndroidBitmapInfo bitmap{};  // a null overlay has no info either: logged, no exception
+        if (AndroidBitmap_getInfo(env, overlay, &bitmap) < 0) {
+            log_printE("can't get Bitmap info");
+            return JNI_FALSE;
+        }
+        if (bitmap.format != ANDROID_BITMAP_FORMAT_RGBA_8888) {
+            log_printE("Bitmap format is not RGBA_8888");
+            return JNI_FALSE;
+        }
+        ifc::BitmapPixels pixels(env, overlay);
+        if (pixels.data() == nullptr) {
+            log_printE("can't lock bitmap pixels");
+            return JNI_FALSE;
+        }
+        ImageInfo info;
+        if (!GetImageInfo(env, &info)) {
+            log_printE("can't GetImageInfo");
+            return JNI_FALSE;
+        }
+        _Image* image = GetNativeImage(env, &info, thiz);
+        if (image == nullptr || image->data == nullptr) {
+            log_printE("alphaMix: image is empty");
+            return JNI_FALSE;
+        }
+        ifc::alpha_mix_overlay(image, pixels.data(), static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
+                               x, y);
+        return JNI_TRUE;
+    });
 }
 
 }  // extern "C"
