@@ -12,6 +12,7 @@
 #include "render/gl_utils.h"
 #include "render/jni_guards.h"
 #include "render/magic_engine.h"
+#include "render/native_buffers.h"
 #include "render/pixel_uploads.h"
 #include "render/tiles.h"
 
@@ -75,6 +76,22 @@ void histogramFromGPU(uint8_t* pixels, int32_t* history, int x, int y, int w, in
     if (curve.addFrame(bins, pixelCount, history, frameCount, frameIndex, params) != BrightnessCurve::Step::Kept) {
         uploadLut(curve.lut());
     }
+}
+
+// The curve writes frameCount histograms into `history` and reads w x h RGBA
+// pixels into `pixels`: both must be buffers from nativeAllocBuffer that
+// large (null ones are left alone further on). Raises and returns false
+// otherwise.
+bool curveBuffersHold(JNIEnv* env, jlong pixels, jlong history, int w, int h, int frameCount, int frameIndex) {
+    auto holds = [](jlong buffer, int64_t bytes) {
+        if (buffer == 0 || bytes <= 0) return true;
+        return nativeBufferHolds(fromJavaHandle<void>(buffer), static_cast<size_t>(bytes));
+    };
+    int64_t historyBytes = int64_t{frameCount} * kCurveBins * 4;
+    int64_t pixelBytes = frameIndex < 0 || w < 0 || h < 0 ? 0 : int64_t{w} * h * 4;
+    if (holds(history, historyBytes) && holds(pixels, pixelBytes)) return true;
+    jniThrowRuntimeException(env, "nativeCalHistogramFromGPU: buffers smaller than the frame or the history ring");
+    return false;
 }
 
 size_t words(const LockedBitmap& bitmap) { return bitmap.byteCount() / 4; }
@@ -232,14 +249,15 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeUpdateScaleBitma
 }
 
 JNIEXPORT jlong JNICALL Java_com_lumeric_filter_GLSLRender_nativeAllocBuffer(JNIEnv* env, jclass, jint size) {
-    return ifc::guardNative(env, [&]() -> jlong {
-        return size < 0 ? 0 : toJavaHandle(malloc(static_cast<size_t>(size)));
-    });
+    return ifc::guardNative(env, [&]() -> jlong { return toJavaHandle(allocateNativeBuffer(size)); });
 }
 
+// Only buffers from nativeAllocBuffer are freed, each once.
 JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeFreeBuffer(JNIEnv* env, jclass, jlong buffer) {
     ifc::guardNative(env, [&] {
-        free(fromJavaHandle<void>(buffer));
+        if (!releaseNativeBuffer(fromJavaHandle<void>(buffer))) {
+            jniThrowRuntimeException(env, "nativeFreeBuffer: not a live buffer from nativeAllocBuffer");
+        }
     });
 }
 
@@ -247,6 +265,7 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeCalHistogramFrom
     JNIEnv* env, jclass, jlong pixels, jlong history, jint x, jint y, jint w, jint h, jfloat lowFrac, jfloat highFrac,
     jint frameCount, jint frameIndex, jfloat gammaScale, jfloat threshold) {
     ifc::guardNative(env, [&] {
+        if (!curveBuffersHold(env, pixels, history, w, h, frameCount, frameIndex)) return;
         histogramFromGPU(fromJavaHandle<uint8_t>(pixels), fromJavaHandle<int32_t>(history), x, y, w, h, frameCount,
                          frameIndex, CurveParams{lowFrac, highFrac, gammaScale, threshold});
     });
