@@ -1,5 +1,6 @@
 #include "render/pixel_uploads.h"
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -28,7 +29,13 @@ size_t unpackedByteCount(int width, int height, int bytesPerPixel) {
     return paddedRow * (static_cast<size_t>(height) - 1) + row;
 }
 
-int previewRows(int height) { return static_cast<int>(height * 1.5); }
+// Truncated, and saturated where an int cannot hold the product.
+int previewRows(int height) {
+    double rows = height * 1.5;
+    if (rows >= static_cast<double>(INT_MAX)) return INT_MAX;
+    if (rows <= static_cast<double>(INT_MIN)) return INT_MIN;
+    return static_cast<int>(rows);
+}
 
 void uploadPreviewFrame(const void* data, GLuint texture, int width, int height) {
     glActiveTexture(GL_TEXTURE0);

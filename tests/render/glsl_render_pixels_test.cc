@@ -1,5 +1,7 @@
 // The renderer's CPU-side algorithms. Their pixels through the natives are
 // checked from Java (tile round trips, curve against a reference, uploads).
+#include <climits>
+
 #include "render/brightness_curve.h"
 #include "render/pixel_uploads.h"
 #include "render/tiles.h"
@@ -21,6 +23,16 @@ TEST(Tiles, CountsFitTheLimitAndLastTileTakesRemainder) {
     TileRect tile;
     EXPECT_FALSE(tileRect(1001, 10, 2, 0, 2, 1, &tile));
     EXPECT_FALSE(tileRect(1001, 10, 0, 0, 0, 1, &tile));
+}
+
+// A camera frame's rows: height x 1.5 truncated, saturated for heights
+// whose product an int cannot hold (then no array is long enough).
+TEST(PreviewRows, TruncatesAndSaturates) {
+    EXPECT_EQ(720, previewRows(480));
+    EXPECT_EQ(4, previewRows(3));
+    EXPECT_EQ(-4, previewRows(-3));
+    EXPECT_EQ(INT_MAX, previewRows(INT_MAX));
+    EXPECT_EQ(INT_MIN, previewRows(INT_MIN));
 }
 
 // An empty frame divides by zero in float: a ring slot that held counts is an
