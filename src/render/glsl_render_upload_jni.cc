@@ -8,6 +8,7 @@
 
 #include "jni/bridge.h"
 #include "jni/native_guard.h"
+#include "jni/qimage_pixels.h"
 #include "render/brightness_curve.h"
 #include "render/gl_utils.h"
 #include "render/jni_guards.h"
@@ -210,7 +211,7 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyTexture2(JNI
         // The read is RGBA whatever the image holds: refuse images too small for it.
         size_t needed = static_cast<size_t>(image->width > 0 ? image->width : 0) *
                         static_cast<size_t>(image->height > 0 ? image->height : 0) * 4;
-        size_t available = image->size != 0 ? image->size : static_cast<size_t>(image->stride) * image->height;
+        size_t available = ifc::image_capacity(image);
         if (needed > available) {
             jniThrowRuntimeException(env, "image too small for an RGBA read");
             return;

@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include "jni/qimage_pixels.h"
+
 namespace {
 
 constexpr int kCurveRows = 16;
@@ -73,8 +75,8 @@ void uploadImageTexture(const _Image* image, GLuint texture) {
     if (format == 0) return;
     const void* pixels = image->data;
     size_t needed = unpackedByteCount(image->width, image->height, image->channels);
-    size_t available = image->size != 0 ? image->size
-                                        : static_cast<size_t>(image->stride) * static_cast<size_t>(image->height);
+    // Never more than the rows hold: a turned image keeps its old, larger size.
+    size_t available = ifc::image_capacity(image);
     std::vector<uint8_t> padded;
     if (needed > available) {
         padded.assign(needed, 0);
