@@ -32,15 +32,10 @@ void turnClockwise(_Image* image) {
             std::memcpy(turned + (x * h + (h - 1 - y)) * c, image->data + (y * w + x) * c, static_cast<size_t>(c));
         }
     }
-    if (ifc::pixelsBorrowed(image)) {
-        // A bound bitmap keeps its own buffer: the turned pixels go back into
-        // it (the same width x height x channels bytes) and the copy is freed.
-        if (rows > 0) std::memcpy(image->data, turned, static_cast<size_t>(w * h * c));
-        std::free(turned);
-    } else {
-        std::free(image->data);
-        image->data = turned;
-    }
+    // A bound bitmap keeps its pixels, untouched; the turned buffer is the
+    // image's own from now on.
+    if (!ifc::pixelsBorrowed(image)) std::free(image->data);
+    image->data = turned;
     image->width = static_cast<int32_t>(h);
     image->height = static_cast<int32_t>(w);
     image->stride = static_cast<int32_t>(c * h);  // size is left as it was

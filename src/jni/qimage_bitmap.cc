@@ -172,8 +172,12 @@ JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_UnBindBitmap(JNIEnv* e
         AndroidBitmapInfo info{};  // unreadable (a null bitmap too): false, nothing done
         if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return JNI_FALSE;
         ifc::QImageSelf qimage(env, self);
-        if (qimage.image != nullptr) qimage.image->data = nullptr;
-        free_image_header(&qimage.image);
+        if (qimage.image == nullptr || ifc::pixelsBorrowed(qimage.image)) {
+            if (qimage.image != nullptr) qimage.image->data = nullptr;
+            free_image_header(&qimage.image);
+        } else {
+            free_image(&qimage.image);  // pixels of its own since binding (a quarter turn)
+        }
         qimage.attach(nullptr);
         AndroidBitmap_unlockPixels(env, bitmap);
         return JNI_TRUE;

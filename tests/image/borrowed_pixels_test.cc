@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "image/borrowed_pixels.h"
 #include "image_test_util.h"
@@ -42,16 +43,24 @@ TEST(BorrowedPixels, NoLibraryFunctionFreesThem) {
     }
 }
 
-TEST(BorrowedPixels, TurnsHappenInTheBorrowedBufferAndOwnedBuffersStillGo) {
+TEST(BorrowedPixels, TurnedOrScaledImagesOwnTheirNewBuffers) {
     // 2 x 2 RGBA: pixel bytes p, p, p, p for p = 0..3.
     unsigned char pixels[16];
     for (int i = 0; i < 16; ++i) pixels[i] = static_cast<unsigned char>(i / 4);
+    std::vector<int> before = bytesOf(pixels, 16);
     _Image* header = create_image_header(2, 2, 4, -1);
     header->data = pixels;
     ASSERT_TRUE(ifc::markPixelsBorrowed(header));
     rotateImage(header, 90);  // (x, y) -> row x, column 1 - y
-    EXPECT_EQ(header->data, pixels);
-    EXPECT_THAT(std::vector<int>({pixels[0], pixels[4], pixels[8], pixels[12]}), ElementsAre(2, 0, 3, 1));
+    EXPECT_NE(header->data, pixels);
+    EXPECT_FALSE(ifc::pixelsBorrowed(header));
+    EXPECT_THAT(std::vector<int>({header->data[0], header->data[4], header->data[8], header->data[12]}),
+                ElementsAre(2, 0, 3, 1));
+    EXPECT_EQ(bytesOf(pixels, 16), before);
+    free_image(&header);  // LSan sees the turned buffer freed
+    header = create_image_header(2, 2, 4, -1);
+    header->data = pixels;
+    ASSERT_TRUE(ifc::markPixelsBorrowed(header));
 
     // A record whose data was replaced by a buffer of its own frees that one.
     scale_image(header, 1, 1);
