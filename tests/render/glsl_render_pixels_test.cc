@@ -80,20 +80,19 @@ TEST_F(UploadTest, RgbImageUploadNeverReadsPastItsBytes) {
     EXPECT_EQ(rgba(13, 14, 15, 255), pixelAt(read, 3, 0, 1));  // second row starts at byte 12
     EXPECT_EQ(rgba(0, 0, 0, 255), pixelAt(read, 3, 2, 1));     // beyond the image: zero
 
-    // A turned 3 x 2 image keeps size 24 but holds 2 x 3 x 3 = 18 bytes; GL
-    // reads 8 + 8 + 6 of them: the last row's second half is padding.
-    _Image* turned = create_image(3, 2, 3, -1);
-    for (int i = 0; i < 24; ++i) turned->data[i] = static_cast<uint8_t>(i + 1);
-    rotateImage(turned, 90);
-    ASSERT_EQ(24u, turned->size);
-    uploadImageTexture(turned, texture.name());
+    // A turned 3 x 2 image keeps its size 24 but its rows hold 2 x 3 x 3 =
+    // 18 bytes (the 0xEE tail is not the image's); GL reads 8 + 8 + 6: the
+    // last row's second half is padding.
+    std::vector<uint8_t> turnedPixels(24, 0xEE);
+    for (int i = 0; i < 18; ++i) turnedPixels[i] = static_cast<uint8_t>(i + 1);
+    _Image turned{turnedPixels.data(), 24, 2, 3, 3, 6, 0, 0, nullptr};
+    uploadImageTexture(&turned, texture.name());
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
     read = readPixels(0, 0, 2, 3);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glDeleteFramebuffers(1, &framebuffer);
-    EXPECT_EQ(rgba(turned->data[16], turned->data[17], 0, 255), pixelAt(read, 2, 0, 2));
+    EXPECT_EQ(rgba(17, 18, 0, 255), pixelAt(read, 2, 0, 2));
     EXPECT_EQ(rgba(0, 0, 0, 255), pixelAt(read, 2, 1, 2));
-    free_image(&turned);
 }
 
 }  // namespace
