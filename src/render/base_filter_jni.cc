@@ -13,6 +13,7 @@
 #include "jni/packed_string.h"
 #include "render/base_filte_render.h"
 #include "render/jni_guards.h"
+#include "render/renderer_handles.h"
 
 namespace {
 
@@ -21,7 +22,14 @@ constexpr size_t kMatrix4Floats = 16;
 constexpr size_t kMatrix3Floats = 9;
 constexpr size_t kQuadFloats = 8;  // four (x, y) or (s, t) pairs
 
-BaseFilteRender* renderer(jlong handle) { return fromJavaHandle<BaseFilteRender>(handle); }
+// The live renderer behind a non-zero handle, or null with a
+// RuntimeException for a handle already cleared or never given out.
+BaseFilteRender* renderer(JNIEnv* env, jlong handle) {
+    auto* render = fromJavaHandle<BaseFilteRender>(handle);
+    if (isLiveRenderer(render)) return render;
+    jniThrowRuntimeException(env, "BaseFilter: not a live renderer handle");
+    return nullptr;
+}
 
 // Stores a shader source given as plain text or in a packed form.
 template <typename Setter>
@@ -48,18 +56,22 @@ float* copyQuadArray(JNIEnv* env, jfloatArray array, const char* what) {
 template <typename Store>
 jint withQuadArray(JNIEnv* env, jlong handle, jfloatArray array, const char* what, Store store) {
     if (handle == 0) return 0;
+    BaseFilteRender* render = renderer(env, handle);
+    if (render == nullptr) return 0;
     float* copy = copyQuadArray(env, array, what);
     if (copy == nullptr) return 0;
-    store(renderer(handle), copy);
+    store(render, copy);
     return 1;
 }
 
 template <typename Apply>
 jint withMatrix(JNIEnv* env, jlong handle, jfloatArray m, size_t floats, Apply apply) {
     if (handle == 0) return 0;
+    BaseFilteRender* render = renderer(env, handle);
+    if (render == nullptr) return 0;
     FloatElements elements(env, m, floats, "matrix");
     if (elements.data() == nullptr) return 0;
-    apply(renderer(handle), elements.data());
+    apply(render, elements.data());
     return 1;
 }
 
@@ -77,12 +89,18 @@ JNIEXPORT jlong JNICALL Java_com_lumeric_filter_BaseFilter_nativeInitialWithStri
         }
         // Arrays handed to the old renderer are not released here: only
         // nativeClear releases them.
-        delete renderer(oldHandle);
+        if (oldHandle != 0) {
+            BaseFilteRender* old = renderer(env, oldHandle);
+            if (old == nullptr) return 0;
+            forgetRenderer(old);
+            delete old;
+        }
         auto render = std::make_unique<BaseFilteRender>(external ? GL_TEXTURE_EXTERNAL_OES : GL_TEXTURE_2D);
         storeSource(env, fragment, [&](const char* s) { render->setFragmentShaderSource(s); });
         if (vertex != nullptr) {
             storeSource(env, vertex, [&](const char* s) { render->setVertexShaderSource(s); });
         }
+        rememberRenderer(render.get());
         return toJavaHandle(render.release());
     });
 }
@@ -91,15 +109,19 @@ JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeApplyFilter(JNIE
                                                                              jlong handle) {
     return ifc::guardNative(env, [&]() -> jint {
         if (handle == 0) return -1;
-        renderer(handle)->InitializeGLProgram();
-        return static_cast<jint>(renderer(handle)->program);
+        BaseFilteRender* render = renderer(env, handle);
+        if (render == nullptr) return -1;
+        render->InitializeGLProgram();
+        return static_cast<jint>(render->program);
     });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeClear(JNIEnv* env, jobject, jlong handle) {
     return ifc::guardNative(env, [&]() -> jint {
         if (handle == 0) return 1;
-        BaseFilteRender* render = renderer(handle);
+        BaseFilteRender* render = renderer(env, handle);
+        if (render == nullptr) return 1;
+        forgetRenderer(render);
         render->clear();
         delete render;
         return 1;
@@ -133,8 +155,8 @@ JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeUpdateModelMatri
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRotationAndFlip(
     JNIEnv* env, jobject, jlong handle, jint degrees, jint flipX, jint flipY) {
     return ifc::guardNative(env, [&]() -> jint {
-        if (handle == 0) return 0;
-        BaseFilteRender* render = renderer(handle);
+        BaseFilteRender* render = handle == 0 ? nullptr : renderer(env, handle);
+        if (render == nullptr) return 0;
         render->Rotation(degrees);
         render->FlipX(flipX);
         render->FlipY(flipY);
@@ -145,8 +167,8 @@ JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRotationAndFl
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeRenderTexture(
     JNIEnv* env, jobject, jlong handle, jint texture, jint width, jint height) {
     return ifc::guardNative(env, [&]() -> jint {
-        if (handle == 0) return 0;
-        GLRenderBase* render = renderer(handle);
+        GLRenderBase* render = handle == 0 ? nullptr : renderer(env, handle);
+        if (render == nullptr) return 0;
         render->RenderProcess(static_cast<GLuint>(texture), 0, width, height);
         return 1;
     });
@@ -170,8 +192,9 @@ JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetTexCords(JNIE
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRenderMode(JNIEnv* env, jobject,
                                                                                jlong handle, jint mode) {
     return ifc::guardNative(env, [&]() -> jint {
-        if (handle == 0) return 0;
-        renderer(handle)->setRenderMode(mode);
+        BaseFilteRender* render = handle == 0 ? nullptr : renderer(env, handle);
+        if (render == nullptr) return 0;
+        render->setRenderMode(mode);
         return 1;
     });
 }

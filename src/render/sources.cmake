@@ -11,4 +11,5 @@ target_sources(ifc_objects PRIVATE
   render/magic_engine.cc
   render/native_buffers.cc
   render/pixel_uploads.cc
+  render/renderer_handles.cc
   render/tiles.cc)

@@ -2,6 +2,7 @@ package com.lumeric.render;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
 
+import com.lumeric.filter.BaseFilter;
 import com.lumeric.filter.GLSLRender;
 import com.lumeric.filter.QImage;
 import com.lumeric.forked.ForkedJvm;
@@ -9,14 +10,15 @@ import com.lumeric.host.HostGL;
 import org.junit.jupiter.api.Test;
 
 /**
- * Buffers Java holds as handles: only those from nativeAllocBuffer are freed,
- * once, and the brightness curve writes only through buffers large enough.
- * Before these checks each case freed or overran memory (a glibc abort), so
- * they run in a child JVM that prints one outcome per case.
+ * Native objects Java holds as long handles: only buffers from
+ * nativeAllocBuffer are freed, once, and the brightness curve writes only
+ * through buffers large enough; a BaseFilter handle is used only while its
+ * renderer lives. Before these checks each case freed or overran memory (a
+ * glibc abort), so they run in a child JVM that prints one outcome per case.
  */
-class NativeBufferTest {
+class JavaHandleTest {
     @Test
-    void foreignStaleAndShortBuffersAreRefused() throws Exception {
+    void foreignStaleAndShortHandlesAreRefused() throws Exception {
         String[] expected = {
             "free foreign: RuntimeException",
             "free twice: RuntimeException",
@@ -26,6 +28,11 @@ class NativeBufferTest {
             "short history: RuntimeException",
             "reset short history: RuntimeException",
             "large enough: ok",
+            "clear twice: RuntimeException",
+            "apply cleared: RuntimeException",
+            "replace cleared: RuntimeException",
+            "made-up handle: RuntimeException",
+            "live renderer: ok",
         };
         String log = ForkedJvm.run(Child.class);
         StringBuilder got = new StringBuilder();
@@ -68,6 +75,22 @@ class NativeBufferTest {
                     histogram(pixels, history, 8, 2, 1);
                 });
                 for (long b : new long[] {pixels, history, small}) GLSLRender.nativeFreeBuffer(b);
+
+                BaseFilter filter = new BaseFilter();
+                long cleared = filter.nativeInitialWithString(0, false, null, GL.COPY_FRAGMENT);
+                filter.nativeClear(cleared);
+                run("clear twice", () -> filter.nativeClear(cleared));
+                run("apply cleared", () -> filter.nativeApplyFilter(cleared));
+                run("replace cleared", () -> filter.nativeInitialWithString(cleared, false, null, GL.COPY_FRAGMENT));
+                run("made-up handle", () -> filter.nativeSetRenderMode(image.nativeImage, 1));
+                run("live renderer", () -> {
+                    long live = filter.nativeInitialWithString(0, false, null, GL.COPY_FRAGMENT);
+                    live = filter.nativeInitialWithString(live, false, null, GL.COPY_FRAGMENT);
+                    if (filter.nativeApplyFilter(live) == 0 || filter.nativeSetRenderMode(live, 1) != 1) {
+                        throw new IllegalStateException("live renderer refused");
+                    }
+                    filter.nativeClear(live);
+                });
             }
         }
     }
