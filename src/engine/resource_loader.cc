@@ -1,10 +1,9 @@
 #include "engine/resource_loader.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <fstream>
-#include <iterator>
+#include <limits>
 #include <utility>
-#include <vector>
 
 #include "jni/bridge.h"
 
@@ -38,15 +37,26 @@ HFDirectoryResourceProvider::HFDirectoryResourceProvider(std::string rootDirecto
 std::string HFDirectoryResourceProvider::fullPath(const char* path) const { return root + "/" + path; }
 
 _Image* HFDirectoryResourceProvider::loadData(const char* path) {
-    std::ifstream file(fullPath(path), std::ios::binary);
+    if (path == nullptr) return nullptr;
+    std::ifstream file(fullPath(path), std::ios::binary | std::ios::ate);
     if (!file) return nullptr;
-    std::vector<char> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    std::streamoff length = file.tellg();
+    // The blob's width is an int: 2 GiB or more cannot be described.
+    if (length < 0 || length > std::numeric_limits<int32_t>::max()) {
+        log_printE("resource %s: %lld bytes, too large for a data resource (at most %d)", path,
+                   static_cast<long long>(length), std::numeric_limits<int32_t>::max());
+        return nullptr;
+    }
     // A one-row image; an empty file still gets a one-byte buffer.
-    int width = static_cast<int>(bytes.size());
+    int width = static_cast<int>(length);
     _Image* blob = create_image(width > 0 ? width : 1, 1, 1, width > 0 ? width : 1);
     if (blob == nullptr) return nullptr;
     blob->width = width;
-    std::copy(bytes.begin(), bytes.end(), blob->data);
+    file.seekg(0);
+    if (width > 0 && !file.read(reinterpret_cast<char*>(blob->data), width)) {
+        log_printE("resource %s: read failed", path);
+        free_image(&blob);
+    }
     return blob;
 }
 

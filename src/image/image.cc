@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "image/borrowed_pixels.h"
 #include "image/image_internal.h"
 
 namespace ifc {
@@ -103,22 +104,27 @@ IFC_API _Image* create_same_image(_Image* image, const _Image* source) {
     return image;
 }
 
+// A bound bitmap's pixels are never freed here, whoever asks: only the
+// record goes. Markers are not ours to free either.
 IFC_API void free_image(_Image** image) {
     if (image == nullptr || *image == nullptr) return;
-    std::free((*image)->data);  // markers are not ours to free
+    if (!ifc::pixelsBorrowed(*image)) std::free((*image)->data);
+    ifc::forgetBorrowedPixels(*image);
     std::free(*image);
     *image = nullptr;
 }
 
 IFC_API void free_image_header(_Image** image) {
     if (image == nullptr || *image == nullptr) return;
+    ifc::forgetBorrowedPixels(*image);
     std::free(*image);  // data is borrowed
     *image = nullptr;
 }
 
 IFC_API void destroy_image(_Image* image) {
     if (image == nullptr) return;
-    std::free(image->data);
+    if (!ifc::pixelsBorrowed(image)) std::free(image->data);
+    ifc::forgetBorrowedPixels(image);
     image->data = nullptr;
     image->width = 0;
     image->height = 0;

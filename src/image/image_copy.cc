@@ -63,12 +63,12 @@ IFC_API _Image* clone_image_ex(const _Image* source) {
 
 IFC_API void copy_image(_Image* destination, const _Image* source) {
     if (destination == nullptr || source == nullptr) return;
+    // The source's whole stride x height, whatever rows the destination's
+    // record describes: its buffer must be large enough. Only the bytes it
+    // is known to hold (its size, when set) bound the copy.
     int64_t bytes = ifc::imageExtent(source);
-    // The destination buffer must be large enough. Rows that its record
-    // describes are never overrun; a bare record (no stride or height) over
-    // a caller's buffer is taken at its word.
-    int64_t room = ifc::imageExtent(destination);
-    copyPrefix(destination->data, source, room > 0 && room < bytes ? room : bytes);
+    if (destination->size != 0 && destination->size < bytes) bytes = destination->size;
+    copyPrefix(destination->data, source, bytes);
     unsigned char* keep = destination->data;
     *destination = *source;
     destination->data = keep;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "image/borrowed_pixels.h"
 #include "image/image_internal.h"
 
 namespace {
@@ -31,7 +32,9 @@ void turnClockwise(_Image* image) {
             std::memcpy(turned + (x * h + (h - 1 - y)) * c, image->data + (y * w + x) * c, static_cast<size_t>(c));
         }
     }
-    std::free(image->data);
+    // A bound bitmap keeps its pixels, untouched; the turned buffer is the
+    // image's own from now on.
+    if (!ifc::pixelsBorrowed(image)) std::free(image->data);
     image->data = turned;
     image->width = static_cast<int32_t>(h);
     image->height = static_cast<int32_t>(w);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "image/borrowed_pixels.h"
 #include "image/image_internal.h"
 
 namespace {
@@ -50,7 +51,9 @@ IFC_API void scale_image(_Image* image, int width, int height) {
     if (image == nullptr) return;
     _Image scaled{};  // layout and markers end up 0: the old marker list is dropped, not freed
     scale_image2(&scaled, image, width, height);
-    std::free(image->data);
+    // A bound bitmap's pixels stay with the bitmap; the record owns the new buffer.
+    if (!ifc::pixelsBorrowed(image)) std::free(image->data);
+    ifc::forgetBorrowedPixels(image);
     *image = scaled;
 }
 

@@ -1,5 +1,6 @@
 # Sources of src/image (listed explicitly).
 target_sources(ifc_objects PRIVATE
+  image/borrowed_pixels.cc
   image/image.cc
   image/image_copy.cc
   image/image_crop.cc

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "image/borrowed_pixels.h"
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 
 namespace {
 
@@ -28,15 +30,24 @@ size_t copyImageToPixels(const _Image* image, void* pixels, size_t capacity) {
 extern "C" {
 
 // The header is 4 channels with a derived stride whatever the bitmap's own
-// format and stride; a failed lock shows only as null data.
+// format and stride; a failed lock shows only as null data. A bitmap whose
+// info cannot be read (a null one among others) gives an empty header that
+// was never locked. Null only when the header cannot be allocated.
 _Image* bindBitmap2Image(JNIEnv* env, jobject bitmap) {
     AndroidBitmapInfo info{};
-    AndroidBitmap_getInfo(env, bitmap, &info);
+    bool readable = AndroidBitmap_getInfo(env, bitmap, &info) >= 0;
+    if (!readable) info = AndroidBitmapInfo{};
     _Image* image = create_image_header(static_cast<int>(info.width),
                                         static_cast<int>(info.height), 4, -1);
+    if (image == nullptr) return nullptr;
     void* pixels = nullptr;
-    if (AndroidBitmap_lockPixels(env, bitmap, &pixels) < 0) pixels = nullptr;
+    if (!readable || AndroidBitmap_lockPixels(env, bitmap, &pixels) < 0) pixels = nullptr;
     image->data = static_cast<unsigned char*>(pixels);
+    if (!ifc::markPixelsBorrowed(image)) {
+        // Unmarked, the bitmap's pixels could be freed as the image's own.
+        if (pixels != nullptr) AndroidBitmap_unlockPixels(env, bitmap);
+        image->data = nullptr;
+    }
     return image;
 }
 
@@ -47,24 +58,26 @@ void unbindBitmap(JNIEnv* env, jobject bitmap, _Image* image) {
 
 JNIEXPORT jint JNICALL Java_com_lumeric_util_FilterEngineJNILib_nativeCopyImage(
     JNIEnv* env, jclass, jobject bitmap, jlong nativeImage) {
-    if (bitmap == nullptr) {
-        jniThrowNullPointerException(env, "bitmap is null");
-        return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
-    }
-    const _Image* image = fromJavaHandle<_Image>(nativeImage);
-    if (image == nullptr) {
-        jniThrowRuntimeException(env, "native image is null");
-        return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
-    }
-    AndroidBitmapInfo info{};
-    int result = AndroidBitmap_getInfo(env, bitmap, &info);
-    if (result < 0) return result;
-    void* pixels = nullptr;
-    result = AndroidBitmap_lockPixels(env, bitmap, &pixels);
-    if (result < 0) return result;
-    // Never more than the bitmap holds, whatever the image's size.
-    copyImageToPixels(image, pixels, static_cast<size_t>(info.stride) * info.height);
-    return AndroidBitmap_unlockPixels(env, bitmap);
+    return ifc::guardNative(env, [&]() -> jint {
+        if (bitmap == nullptr) {
+            jniThrowNullPointerException(env, "bitmap is null");
+            return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
+        }
+        const _Image* image = fromJavaHandle<_Image>(nativeImage);
+        if (image == nullptr) {
+            jniThrowRuntimeException(env, "native image is null");
+            return ANDROID_BITMAP_RESULT_BAD_PARAMETER;
+        }
+        AndroidBitmapInfo info{};
+        int result = AndroidBitmap_getInfo(env, bitmap, &info);
+        if (result < 0) return result;
+        void* pixels = nullptr;
+        result = AndroidBitmap_lockPixels(env, bitmap, &pixels);
+        if (result < 0) return result;
+        // Never more than the bitmap holds, whatever the image's size.
+        copyImageToPixels(image, pixels, static_cast<size_t>(info.stride) * info.height);
+        return AndroidBitmap_unlockPixels(env, bitmap);
+    });
 }
 
 }  // extern "C"

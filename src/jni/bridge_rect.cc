@@ -21,10 +21,12 @@ void getRectObject(JNIEnv* env, RectInfo* info, jobject rect, MRect* out) {
 }
 
 void convertObj2Rect(JNIEnv* env, jobject rect, MRect* out) {
+    if (rect == nullptr || out == nullptr) return;  // nothing to read: out keeps its values
     RectInfo info;
     getRectID(env, &info);
     if (info.clazz == nullptr) {
-        // A missing class leaves NoClassDefFoundError pending; nothing to read.
+        // The lookup cleared the class-not-found error: nothing is pending,
+        // nothing to read.
         return;
     }
     getRectObject(env, &info, rect, out);

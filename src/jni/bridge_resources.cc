@@ -2,6 +2,7 @@
 // bundle files, possibly from a thread that Java never called.
 #include <cstdarg>
 
+#include "image/borrowed_pixels.h"
 #include "jni/bridge.h"
 #include "jni/bridge_internal.h"
 
@@ -69,6 +70,13 @@ _Image* jniReadBundleImage(const char* path) {
     LocalRef<jclass> clazz(env, info.clazz);
     _Image* image = GetNativeImage(env, &info, qimage.get());
     SetNativeImage(env, &info, qimage.get(), nullptr);
+    if (ifc::pixelsBorrowed(image)) {
+        // A QImage bound to a bitmap: the caller frees what it gets, so it
+        // gets its own copy; the bitmap's pixels stay the bitmap's.
+        _Image* copy = clone_image_ex(image);
+        free_image(&image);
+        return copy;
+    }
     return image;
 }
 
@@ -83,13 +91,11 @@ _Image* jniReadBundleData(const char* path) {
 
     jsize n = env->GetArrayLength(bytes.get());
     _Image* image = create_image(n, 1, 1, n);
-    if (n > 0) {
-        if (image->data == nullptr) {
-            free_image(&image);
-            return nullptr;
-        }
-        env->GetByteArrayRegion(bytes.get(), 0, n, reinterpret_cast<jbyte*>(image->data));
+    if (image == nullptr) {
+        log_printE("no memory for %s (%d bytes)", path, static_cast<int>(n));
+        return nullptr;
     }
+    if (n > 0) env->GetByteArrayRegion(bytes.get(), 0, n, reinterpret_cast<jbyte*>(image->data));
     return image;
 }
 

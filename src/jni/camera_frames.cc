@@ -1,6 +1,7 @@
 #include "jni/camera_frames.h"
 
 #include <algorithm>
+#include <climits>
 
 #include "jni/pixel_kernels.h"
 
@@ -94,7 +95,10 @@ void rgb565_to_rgba(const uint8_t* frame, int width, int height, uint8_t* out) {
     pixel_kernels().rgb565_to_rgba_row(frame, out, width * height);
 }
 
-int even_step(int step) { return step > 0 && (step & 1) ? step + 1 : step; }
+// INT_MAX cannot be raised without overflow; it is kept: no frame is that
+// wide or high (width x height x 4 fits an int), so it decimates to nothing
+// as 2^31 would.
+int even_step(int step) { return step > 0 && (step & 1) && step < INT_MAX ? step + 1 : step; }
 
 void nv21_to_yuva_decimated(const uint8_t* frame, int width, int height, int step, uint8_t* out) {
     const int w = width / step, h = height / step;

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "jni/native_guard.h"
 #include "jni/packed_string.h"
 
 namespace {
@@ -13,9 +14,11 @@ constexpr const char* kPackedSignKey =
 
 extern "C" JNIEXPORT jstring JNICALL Java_com_lumeric_util_Coffee_getDESSignKey(JNIEnv* env,
                                                                               jclass) {
-    char* key = decodePackedString(kPackedSignKey);
-    if (key == nullptr) return nullptr;
-    jstring result = env->NewStringUTF(key);
-    free(key);
-    return result;
+    return ifc::guardNative(env, [&]() -> jstring {
+        char* key = decodePackedString(kPackedSignKey);
+        if (key == nullptr) return nullptr;
+        jstring result = env->NewStringUTF(key);
+        free(key);
+        return result;
+    });
 }

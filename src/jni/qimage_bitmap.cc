@@ -6,7 +6,9 @@
 #include <cstring>
 #include <optional>
 
+#include "image/borrowed_pixels.h"
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 #include "jni/qimage_guards.h"
 #include "jni/qimage_ops.h"
 
@@ -34,15 +36,13 @@ struct BitmapSource {
 };
 
 // Builds a QImage for Bitmap2QImage / BindBitmap once every step passed.
-// With an exception raised the object would be unreachable behind it, so
-// none is built; a binding still leaves a locked bitmap locked, as binding
-// always does.
+// Bitmap info that cannot be read (a null bitmap among others) gives null
+// without an exception. With an exception raised the object would be
+// unreachable behind it, so none is built; a binding still leaves a locked
+// bitmap locked, as binding always does. A binding keeps the lock only
+// once its QImage exists.
 template <typename MakeImage>
 jobject newQImageFromBitmap(JNIEnv* env, jobject bitmap, bool binds, MakeImage makeImage) {
-    if (bitmap == nullptr) {
-        jniThrowNullPointerException(env, "bitmap is null");
-        return nullptr;
-    }
     AndroidBitmapInfo info{};
     if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return nullptr;
     ifc::DeferredThrow pending(env);
@@ -58,10 +58,11 @@ jobject newQImageFromBitmap(JNIEnv* env, jobject bitmap, bool binds, MakeImage m
     }
     jobject result = CreateQImage(env, &source.imageInfo);
     if (result == nullptr) {
-        free_image(&image);
+        free_image(&image);  // a bound header goes without the bitmap's pixels
         return nullptr;
     }
     SetNativeImage(env, &source.imageInfo, result, image);
+    if (binds) source.pixels.keepLocked();  // until UnBindBitmap
     return result;
 }
 
@@ -101,75 +102,86 @@ struct BitmapTarget {
 extern "C" {
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_Bitmap2QImage(JNIEnv* env, jobject, jobject bitmap) {
-    return newQImageFromBitmap(env, bitmap, false, [](BitmapSource& source) {
-        int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
-        _Image* image = create_image(w, h, 4, w * 4);
-        if (image != nullptr) {
-            size_t count = std::min<size_t>(image->size, bitmapBytes(source.info));
-            std::memcpy(image->data, source.pixels.get(), count);
-        }
-        return image;
+    return ifc::guardNative(env, [&]() -> jobject {
+        return newQImageFromBitmap(env, bitmap, false, [](BitmapSource& source) {
+            int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
+            _Image* image = create_image(w, h, 4, w * 4);
+            if (image != nullptr) {
+                size_t count = std::min<size_t>(image->size, bitmapBytes(source.info));
+                std::memcpy(image->data, source.pixels.get(), count);
+            }
+            return image;
+        });
     });
 }
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_BindBitmap(JNIEnv* env, jobject, jobject bitmap) {
-    return newQImageFromBitmap(env, bitmap, true, [](BitmapSource& source) {
-        int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
-        _Image* header = create_image_header(w, h, 4, w * 4);
-        if (header != nullptr) {
+    return ifc::guardNative(env, [&]() -> jobject {
+        return newQImageFromBitmap(env, bitmap, true, [](BitmapSource& source) {
+            int w = static_cast<int>(source.info.width), h = static_cast<int>(source.info.height);
+            _Image* header = create_image_header(w, h, 4, w * 4);
+            if (header == nullptr) return header;
             header->data = static_cast<unsigned char*>(source.pixels.get());
-            source.pixels.keepLocked();  // until UnBindBitmap
-        }
-        return header;
+            // The pixels stay the bitmap's: disposing, replacing or turning the
+            // image never frees them.
+            if (!ifc::markPixelsBorrowed(header)) free_image_header(&header);
+            return header;
+        });
     });
 }
 
 // Copies this image into the bitmap (QImage -> Bitmap, whatever the name says).
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_FromBitmap(JNIEnv* env, jobject self, jobject bitmap) {
-    ifc::DeferredThrow pending(env);
-    BitmapTarget target(env, self, bitmap, true, &pending);
-    if (!target.ready) return JNI_FALSE;
-    if (target.qimage->image == nullptr) {
-        pending.runtime("image is empty");  // nothing to copy from
-        return JNI_FALSE;
-    }
-    ifc::copyImagePrefix(target.qimage->image, target.imageBytes(), target.destination(), bitmapBytes(target.info));
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        ifc::DeferredThrow pending(env);
+        BitmapTarget target(env, self, bitmap, true, &pending);
+        if (!target.ready) return JNI_FALSE;
+        if (target.qimage->image == nullptr) {
+            pending.runtime("image is empty");  // nothing to copy from
+            return JNI_FALSE;
+        }
+        ifc::copyImagePrefix(target.qimage->image, target.imageBytes(), target.destination(), bitmapBytes(target.info));
+        return JNI_TRUE;
+    });
 }
 
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_ToBitmap(JNIEnv* env, jobject self, jobject bitmap) {
-    ifc::DeferredThrow pending(env);
-    BitmapTarget target(env, self, bitmap, false, &pending);
-    if (!target.ready) return JNI_FALSE;
-    const _Image* image = target.qimage->image;
-    if (image == nullptr) {
-        target.pixels->keepLocked();  // the bitmap is left locked here, as it always was
-        return JNI_FALSE;
-    }
-    const AndroidBitmapInfo& info = target.info;
-    if (info.format == ANDROID_BITMAP_FORMAT_RGBA_8888) {
-        ifc::copyImagePrefix(image, target.imageBytes(), target.destination(), bitmapBytes(info));
-    } else if (info.format == ANDROID_BITMAP_FORMAT_RGB_565) {
-        ifc::sampleToRGB565(image, static_cast<uint16_t*>(target.destination()), static_cast<int>(info.width),
-                            static_cast<int>(info.height), info.stride / 2);
-    }
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        ifc::DeferredThrow pending(env);
+        BitmapTarget target(env, self, bitmap, false, &pending);
+        if (!target.ready) return JNI_FALSE;
+        const _Image* image = target.qimage->image;
+        if (image == nullptr) {
+            target.pixels->keepLocked();  // the bitmap is left locked here, as it always was
+            return JNI_FALSE;
+        }
+        const AndroidBitmapInfo& info = target.info;
+        if (info.format == ANDROID_BITMAP_FORMAT_RGBA_8888) {
+            ifc::copyImagePrefix(image, target.imageBytes(), target.destination(), bitmapBytes(info));
+        } else if (info.format == ANDROID_BITMAP_FORMAT_RGB_565) {
+            ifc::sampleToRGB565(image, static_cast<uint16_t*>(target.destination()), static_cast<int>(info.width),
+                                static_cast<int>(info.height), info.stride / 2);
+        }
+        return JNI_TRUE;
+    });
 }
 
 // On the bound image: drops the borrowed pixels and the header, then unlocks.
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_UnBindBitmap(JNIEnv* env, jobject self, jobject bitmap) {
-    if (bitmap == nullptr) {
-        jniThrowNullPointerException(env, "bitmap is null");
-        return JNI_FALSE;
-    }
-    AndroidBitmapInfo info{};
-    if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return JNI_FALSE;
-    ifc::QImageSelf qimage(env, self);
-    if (qimage.image != nullptr) qimage.image->data = nullptr;
-    free_image_header(&qimage.image);
-    qimage.attach(nullptr);
-    AndroidBitmap_unlockPixels(env, bitmap);
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        AndroidBitmapInfo info{};  // unreadable (a null bitmap too): false, nothing done
+        if (AndroidBitmap_getInfo(env, bitmap, &info) < 0) return JNI_FALSE;
+        ifc::QImageSelf qimage(env, self);
+        if (qimage.image == nullptr || ifc::pixelsBorrowed(qimage.image)) {
+            if (qimage.image != nullptr) qimage.image->data = nullptr;
+            free_image_header(&qimage.image);
+        } else {
+            free_image(&qimage.image);  // pixels of its own since binding (a quarter turn)
+        }
+        qimage.attach(nullptr);
+        AndroidBitmap_unlockPixels(env, bitmap);
+        return JNI_TRUE;
+    });
 }
 
 }  // extern "C"

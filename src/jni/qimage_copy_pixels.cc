@@ -1,5 +1,6 @@
 // QImage natives that copy pixels into Java int arrays.
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 #include "jni/qimage_guards.h"
 #include "jni/qimage_ops.h"
 
@@ -30,12 +31,16 @@ extern "C" {
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_CopyPixels(JNIEnv* env, jobject self, jintArray pixels,
                                                                  jboolean mirror) {
-    copyPixels(env, self, pixels, mirror, true);
+    ifc::guardNative(env, [&] {
+        copyPixels(env, self, pixels, mirror, true);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_CopyPixelsRGB(JNIEnv* env, jobject self, jintArray pixels,
                                                                     jboolean mirror) {
-    copyPixels(env, self, pixels, mirror, false);
+    ifc::guardNative(env, [&] {
+        copyPixels(env, self, pixels, mirror, false);
+    });
 }
 
 }  // extern "C"

@@ -4,6 +4,7 @@
 
 #include "jni/blur8.h"
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 #include "jni/qimage_pixels.h"
 
 namespace {
@@ -36,29 +37,35 @@ extern "C" {
 // blurred, down-sampled channel 0.
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_QImage_InplaceBlur8bitQImage(JNIEnv* env, jobject thiz,
                                                                               jint scale, jint sigma) {
-    // Scale 0 would divide by zero.
-    if (scale <= 0) {
-        jniThrowRuntimeException(env, "InplaceBlur8bitQImage: scale must be positive");
-        return nullptr;
-    }
-    const _Image* source = checked_image(env, thiz);
-    if (!source) return nullptr;
-    ImageInfo info;
-    GetImageInfo(env, &info);
-    jobject result = CreateQImage(env, &info);
-    if (!result) return nullptr;
-    _Image* blurred = ifc::blur8_image(source, scale, sigma);
-    SetNativeImage(env, &info, result, blurred);
-    return result;
+    return ifc::guardNative(env, [&]() -> jobject {
+        // Scale 0 would divide by zero.
+        if (scale <= 0) {
+            jniThrowRuntimeException(env, "InplaceBlur8bitQImage: scale must be positive");
+            return nullptr;
+        }
+        const _Image* source = checked_image(env, thiz);
+        if (!source) return nullptr;
+        ImageInfo info;
+        GetImageInfo(env, &info);
+        jobject result = CreateQImage(env, &info);
+        if (!result) return nullptr;
+        _Image* blurred = ifc::blur8_image(source, scale, sigma);
+        SetNativeImage(env, &info, result, blurred);
+        return result;
+    });
 }
 
 JNIEXPORT jintArray JNICALL Java_com_lumeric_filter_QImage_nativeGetArrayHistogram(JNIEnv* env, jobject thiz) {
-    return histogram_array(env, thiz, false);
+    return ifc::guardNative(env, [&]() -> jintArray {
+        return histogram_array(env, thiz, false);
+    });
 }
 
 JNIEXPORT jintArray JNICALL Java_com_lumeric_filter_QImage_nativeGetArrayHistogramChannels(JNIEnv* env,
                                                                                         jobject thiz) {
-    return histogram_array(env, thiz, true);
+    return ifc::guardNative(env, [&]() -> jintArray {
+        return histogram_array(env, thiz, true);
+    });
 }
 
 }  // extern "C"

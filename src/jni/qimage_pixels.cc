@@ -7,20 +7,6 @@
 
 namespace ifc {
 
-namespace {
-
-bool is_header(const _Image* image) { return image->size == 0 && image->data != nullptr; }
-
-// A header's pixels belong to a locked bitmap: only the record is ours.
-void release_image(_Image* image) {
-    if (is_header(image) && int64_t{image->width} * image->height * image->channels > 0)
-        free_image_header(&image);
-    else
-        free_image(&image);
-}
-
-}  // namespace
-
 size_t image_capacity(const _Image* image) {
     if (!image || !image->data || image->stride <= 0 || image->height <= 0) return 0;
     const size_t rows = size_t(image->stride) * size_t(image->height);
@@ -33,7 +19,7 @@ _Image* frame_image_for(_Image* current, int width, int height) {
         // The channel count is not compared; only the room for the pixels.
         if (int64_t{current->width} * current->height == pixels && image_capacity(current) >= size_t(pixels) * 4)
             return current;
-        release_image(current);
+        free_image(&current);  // a bound bitmap's pixels stay the bitmap's
     }
     return create_image(width, height, 4, width * 4);
 }

@@ -12,6 +12,7 @@
 #include "jni/bridge.h"
 #include "jni/camera_frames.h"
 #include "jni/jni_guards.h"
+#include "jni/native_guard.h"
 #include "jni/pixel_kernels.h"
 #include "jni/qimage_pixels.h"
 
@@ -24,15 +25,14 @@ int64_t nv21_nominal_bytes(int width, int height) { return int64_t{width} * heig
 int64_t two_bytes_per_pixel(int width, int height) { return int64_t{width} * height * 2; }
 
 // Checks the Java arguments; raises and returns false when they are unusable.
+// A null array passes: the frame image is still made and attached, and the
+// missing bytes are reported as every format's out-of-memory message.
 bool frame_arguments_ok(JNIEnv* env, jbyteArray data, int width, int height, int64_t nominal_bytes) {
-    if (data == nullptr) {
-        jniThrowNullPointerException(env, "frame data is null");
-        return false;
-    }
     if (width < 0 || height < 0 || int64_t{width} * height * 4 > INT_MAX) {
         jniThrowRuntimeException(env, "frame size out of range");
         return false;
     }
+    if (data == nullptr) return true;
     const jsize length = env->GetArrayLength(data);
     if (length < nominal_bytes) {
         char message[128];
@@ -54,11 +54,11 @@ void convert_frame(JNIEnv* env, jobject thiz, jbyteArray data, int width, int he
     ImageInfo info;
     GetImageInfo(env, &info);
     _Image* image = ifc::frame_image_for(GetNativeImage(env, &info, thiz), out_width, out_height);
-    image->layout = 0x01020304;
+    if (image != nullptr) image->layout = 0x01020304;
     SetNativeImage(env, &info, thiz, image);
     ifc::ByteElements frame(env, data);
     // One message for every format, as Java code matches on it.
-    if (frame.data() == nullptr || image->data == nullptr) {
+    if (frame.data() == nullptr || image == nullptr || image->data == nullptr) {
         jniThrowRuntimeException(env, "Out of memory of QImage.DecodeYUV420sp");
         return;
     }
@@ -87,80 +87,89 @@ extern "C" {
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_RGB565toRGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                   jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
-                       ifc::rgb565_bytes_read(width, height), ifc::rgb565_to_rgba);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
+                           ifc::rgb565_bytes_read(width, height), ifc::rgb565_to_rgba);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV422toRGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                   jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
-                       ifc::yuv422_bytes_read(width, height), ifc::yuv422_to_rgba);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, two_bytes_per_pixel(width, height),
+                           ifc::yuv422_bytes_read(width, height), ifc::yuv422_to_rgba);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2RGB(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                    jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
-                       ifc::nv21_bytes_read(width, height), ifc::nv21_to_rgba);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
+                           ifc::nv21_bytes_read(width, height), ifc::nv21_to_rgba);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                    jint width, jint height) {
-    convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
-                       ifc::nv21_bytes_read(width, height), ifc::nv21_to_yuva);
+    ifc::guardNative(env, [&] {
+        convert_full_frame(env, thiz, data, width, height, nv21_nominal_bytes(width, height),
+                           ifc::nv21_bytes_read(width, height), ifc::nv21_to_yuva);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_QImage_YUV420sp2YUV2(JNIEnv* env, jobject thiz, jbyteArray data,
                                                                     jint width, jint height, jint step) {
-    step = ifc::even_step(step);
-    // A step of 0 would divide by zero; a negative one gives no frame.
-    if (step <= 0) {
-        jniThrowRuntimeException(env, "YUV420sp2YUV2: step must be positive");
-        return;
-    }
-    if (width < 0 || height < 0) {
-        jniThrowRuntimeException(env, "frame size out of range");
-        return;
-    }
-    const int64_t bytes_read = ifc::nv21_decimated_bytes_read(width, height, step);
-    convert_frame(env, thiz, data, width, height, width / step, height / step,
-                  std::min(nv21_nominal_bytes(width, height), bytes_read), bytes_read, [=](const uint8_t* frame, uint8_t* out) {
-                      ifc::nv21_to_yuva_decimated(frame, width, height, step, out);
-                  });
+    ifc::guardNative(env, [&] {
+        step = ifc::even_step(step);
+        // A step of 0 would divide by zero; a negative one gives no frame.
+        if (step <= 0) {
+            jniThrowRuntimeException(env, "YUV420sp2YUV2: step must be positive");
+            return;
+        }
+        if (width < 0 || height < 0) {
+            jniThrowRuntimeException(env, "frame size out of range");
+            return;
+        }
+        const int64_t bytes_read = ifc::nv21_decimated_bytes_read(width, height, step);
+        convert_frame(env, thiz, data, width, height, width / step, height / step,
+                      std::min(nv21_nominal_bytes(width, height), bytes_read), bytes_read,
+                      [=](const uint8_t* frame, uint8_t* out) {
+                          ifc::nv21_to_yuva_decimated(frame, width, height, step, out);
+                      });
+    });
 }
 
 JNIEXPORT jboolean JNICALL Java_com_lumeric_filter_QImage_alphaMix(JNIEnv* env, jobject thiz, jobject overlay,
                                                                    jint x, jint y) {
-    if (overlay == nullptr) {
-        jniThrowNullPointerException(env, "overlay bitmap is null");
-        return JNI_FALSE;
-    }
-    AndroidBitmapInfo bitmap{};
-    if (AndroidBitmap_getInfo(env, overlay, &bitmap) < 0) {
-        log_printE("can't get Bitmap info");
-        return JNI_FALSE;
-    }
-    if (bitmap.format != ANDROID_BITMAP_FORMAT_RGBA_8888) {
-        log_printE("Bitmap format is not RGBA_8888");
-        return JNI_FALSE;
-    }
-    ifc::BitmapPixels pixels(env, overlay);
-    if (pixels.data() == nullptr) {
-        log_printE("can't lock bitmap pixels");
-        return JNI_FALSE;
-    }
-    ImageInfo info;
-    if (!GetImageInfo(env, &info)) {
-        log_printE("can't GetImageInfo");
-        return JNI_FALSE;
-    }
-    _Image* image = GetNativeImage(env, &info, thiz);
-    if (image == nullptr || image->data == nullptr) {
-        log_printE("alphaMix: image is empty");
-        return JNI_FALSE;
-    }
-    ifc::alpha_mix_overlay(image, pixels.data(), static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
-                           x, y);
-    return JNI_TRUE;
+    return ifc::guardNative(env, [&]() -> jboolean {
+        AndroidBitmapInfo bitmap{};  // a null overlay has no info either: logged, no exception
+        if (AndroidBitmap_getInfo(env, overlay, &bitmap) < 0) {
+            log_printE("can't get Bitmap info");
+            return JNI_FALSE;
+        }
+        if (bitmap.format != ANDROID_BITMAP_FORMAT_RGBA_8888) {
+            log_printE("Bitmap format is not RGBA_8888");
+            return JNI_FALSE;
+        }
+        ifc::BitmapPixels pixels(env, overlay);
+        if (pixels.data() == nullptr) {
+            log_printE("can't lock bitmap pixels");
+            return JNI_FALSE;
+        }
+        ImageInfo info;
+        if (!GetImageInfo(env, &info)) {
+            log_printE("can't GetImageInfo");
+            return JNI_FALSE;
+        }
+        _Image* image = GetNativeImage(env, &info, thiz);
+        if (image == nullptr || image->data == nullptr) {
+            log_printE("alphaMix: image is empty");
+            return JNI_FALSE;
+        }
+        ifc::alpha_mix_overlay(image, pixels.data(), static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
+                               x, y);
+        return JNI_TRUE;
+    });
 }
 
 }  // extern "C"

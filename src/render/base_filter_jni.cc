@@ -6,11 +6,14 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 #include "jni/packed_string.h"
 #include "render/base_filte_render.h"
 #include "render/jni_guards.h"
+#include "render/renderer_handles.h"
 
 namespace {
 
@@ -19,7 +22,14 @@ constexpr size_t kMatrix4Floats = 16;
 constexpr size_t kMatrix3Floats = 9;
 constexpr size_t kQuadFloats = 8;  // four (x, y) or (s, t) pairs
 
-BaseFilteRender* renderer(jlong handle) { return fromJavaHandle<BaseFilteRender>(handle); }
+// The live renderer behind a non-zero handle, or null with a
+// RuntimeException for a handle already cleared or never given out.
+BaseFilteRender* renderer(JNIEnv* env, jlong handle) {
+    auto* render = fromJavaHandle<BaseFilteRender>(handle);
+    if (isLiveRenderer(render)) return render;
+    jniThrowRuntimeException(env, "BaseFilter: not a live renderer handle");
+    return nullptr;
+}
 
 // Stores a shader source given as plain text or in a packed form.
 template <typename Setter>
@@ -42,12 +52,26 @@ float* copyQuadArray(JNIEnv* env, jfloatArray array, const char* what) {
     return copy;
 }
 
+// The renderer owns the copy from then on.
+template <typename Store>
+jint withQuadArray(JNIEnv* env, jlong handle, jfloatArray array, const char* what, Store store) {
+    if (handle == 0) return 0;
+    BaseFilteRender* render = renderer(env, handle);
+    if (render == nullptr) return 0;
+    float* copy = copyQuadArray(env, array, what);
+    if (copy == nullptr) return 0;
+    store(render, copy);
+    return 1;
+}
+
 template <typename Apply>
 jint withMatrix(JNIEnv* env, jlong handle, jfloatArray m, size_t floats, Apply apply) {
     if (handle == 0) return 0;
+    BaseFilteRender* render = renderer(env, handle);
+    if (render == nullptr) return 0;
     FloatElements elements(env, m, floats, "matrix");
     if (elements.data() == nullptr) return 0;
-    apply(renderer(handle), elements.data());
+    apply(render, elements.data());
     return 1;
 }
 
@@ -57,100 +81,128 @@ extern "C" {
 
 JNIEXPORT jlong JNICALL Java_com_lumeric_filter_BaseFilter_nativeInitialWithString(
     JNIEnv* env, jobject, jlong oldHandle, jboolean external, jstring vertex, jstring fragment) {
-    // Checked before the old renderer goes, so that Java's handle stays valid.
-    if (fragment == nullptr) {
-        throwNullArgument(env, "fragment source is null");
-        return 0;
-    }
-    // Arrays handed to the old renderer are not released here: only
-    // nativeClear releases them.
-    delete renderer(oldHandle);
-    auto* render = new BaseFilteRender(external ? GL_TEXTURE_EXTERNAL_OES : GL_TEXTURE_2D);
-    storeSource(env, fragment, [&](const char* s) { render->setFragmentShaderSource(s); });
-    if (vertex != nullptr) {
-        storeSource(env, vertex, [&](const char* s) { render->setVertexShaderSource(s); });
-    }
-    return toJavaHandle(render);
+    return ifc::guardNative(env, [&]() -> jlong {
+        // Checked before the old renderer goes, so that Java's handle stays valid.
+        if (fragment == nullptr) {
+            throwNullArgument(env, "fragment source is null");
+            return 0;
+        }
+        // Arrays handed to the old renderer are not released here: only
+        // nativeClear releases them.
+        if (oldHandle != 0) {
+            BaseFilteRender* old = renderer(env, oldHandle);
+            if (old == nullptr) return 0;
+            forgetRenderer(old);
+            delete old;
+        }
+        auto render = std::make_unique<BaseFilteRender>(external ? GL_TEXTURE_EXTERNAL_OES : GL_TEXTURE_2D);
+        storeSource(env, fragment, [&](const char* s) { render->setFragmentShaderSource(s); });
+        if (vertex != nullptr) {
+            storeSource(env, vertex, [&](const char* s) { render->setVertexShaderSource(s); });
+        }
+        rememberRenderer(render.get());
+        return toJavaHandle(render.release());
+    });
 }
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeApplyFilter(JNIEnv*, jobject,
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeApplyFilter(JNIEnv* env, jobject,
                                                                              jlong handle) {
-    if (handle == 0) return -1;
-    renderer(handle)->InitializeGLProgram();
-    return static_cast<jint>(renderer(handle)->program);
+    return ifc::guardNative(env, [&]() -> jint {
+        if (handle == 0) return -1;
+        BaseFilteRender* render = renderer(env, handle);
+        if (render == nullptr) return -1;
+        render->InitializeGLProgram();
+        return static_cast<jint>(render->program);
+    });
 }
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeClear(JNIEnv*, jobject, jlong handle) {
-    if (handle == 0) return 1;
-    BaseFilteRender* render = renderer(handle);
-    render->clear();
-    delete render;
-    return 1;
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeClear(JNIEnv* env, jobject, jlong handle) {
+    return ifc::guardNative(env, [&]() -> jint {
+        if (handle == 0) return 1;
+        BaseFilteRender* render = renderer(env, handle);
+        if (render == nullptr) return 1;
+        forgetRenderer(render);
+        render->clear();
+        delete render;
+        return 1;
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeUpdateMatrix(JNIEnv* env, jobject,
                                                                               jlong handle, jfloatArray m) {
-    return withMatrix(env, handle, m, kMatrix4Floats,
-                      [](BaseFilteRender* r, const float* f) { r->updateTextureMatrix(f); });
+    return ifc::guardNative(env, [&]() -> jint {
+        return withMatrix(env, handle, m, kMatrix4Floats,
+                          [](BaseFilteRender* r, const float* f) { r->updateTextureMatrix(f); });
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetGlobalTextureMatrix(
     JNIEnv* env, jobject, jlong handle, jfloatArray m) {
-    return withMatrix(env, handle, m, kMatrix3Floats,
-                      [](BaseFilteRender* r, const float* f) { r->setGlobalTextureMatrix(f); });
+    return ifc::guardNative(env, [&]() -> jint {
+        return withMatrix(env, handle, m, kMatrix3Floats,
+                          [](BaseFilteRender* r, const float* f) { r->setGlobalTextureMatrix(f); });
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeUpdateModelMatrix(
     JNIEnv* env, jobject, jlong handle, jfloatArray m) {
-    return withMatrix(env, handle, m, kMatrix4Floats,
-                      [](BaseFilteRender* r, const float* f) { r->updateModelMatrix(f); });
+    return ifc::guardNative(env, [&]() -> jint {
+        return withMatrix(env, handle, m, kMatrix4Floats,
+                          [](BaseFilteRender* r, const float* f) { r->updateModelMatrix(f); });
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRotationAndFlip(
-    JNIEnv*, jobject, jlong handle, jint degrees, jint flipX, jint flipY) {
-    if (handle == 0) return 0;
-    BaseFilteRender* render = renderer(handle);
-    render->Rotation(degrees);
-    render->FlipX(flipX);
-    render->FlipY(flipY);
-    return 1;
+    JNIEnv* env, jobject, jlong handle, jint degrees, jint flipX, jint flipY) {
+    return ifc::guardNative(env, [&]() -> jint {
+        BaseFilteRender* render = handle == 0 ? nullptr : renderer(env, handle);
+        if (render == nullptr) return 0;
+        render->Rotation(degrees);
+        render->FlipX(flipX);
+        render->FlipY(flipY);
+        return 1;
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeRenderTexture(
-    JNIEnv*, jobject, jlong handle, jint texture, jint width, jint height) {
-    if (handle == 0) return 0;
-    GLRenderBase* render = renderer(handle);
-    render->RenderProcess(static_cast<GLuint>(texture), 0, width, height);
-    return 1;
+    JNIEnv* env, jobject, jlong handle, jint texture, jint width, jint height) {
+    return ifc::guardNative(env, [&]() -> jint {
+        GLRenderBase* render = handle == 0 ? nullptr : renderer(env, handle);
+        if (render == nullptr) return 0;
+        render->RenderProcess(static_cast<GLuint>(texture), 0, width, height);
+        return 1;
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetPositions(JNIEnv* env, jobject,
                                                                               jlong handle, jfloatArray p) {
-    if (handle == 0) return 0;
-    float* copy = copyQuadArray(env, p, "positions");
-    if (copy == nullptr) return 0;
-    renderer(handle)->setPositions(copy);
-    return 1;
+    return ifc::guardNative(env, [&]() -> jint {
+        return withQuadArray(env, handle, p, "positions", [](BaseFilteRender* r, float* a) { r->setPositions(a); });
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetTexCords(JNIEnv* env, jobject,
                                                                              jlong handle, jfloatArray t) {
-    if (handle == 0) return 0;
-    float* copy = copyQuadArray(env, t, "texture coordinates");
-    if (copy == nullptr) return 0;
-    renderer(handle)->setTexCords(copy);
-    return 1;
+    return ifc::guardNative(env, [&]() -> jint {
+        return withQuadArray(env, handle, t, "texture coordinates",
+                             [](BaseFilteRender* r, float* a) { r->setTexCords(a); });
+    });
 }
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRenderMode(JNIEnv*, jobject,
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeSetRenderMode(JNIEnv* env, jobject,
                                                                                jlong handle, jint mode) {
-    if (handle == 0) return 0;
-    renderer(handle)->setRenderMode(mode);
-    return 1;
+    return ifc::guardNative(env, [&]() -> jint {
+        BaseFilteRender* render = handle == 0 ? nullptr : renderer(env, handle);
+        if (render == nullptr) return 0;
+        render->setRenderMode(mode);
+        return 1;
+    });
 }
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeGetVersion(JNIEnv*, jobject) {
-    return kVersion;
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_BaseFilter_nativeGetVersion(JNIEnv* env, jobject) {
+    return ifc::guardNative(env, [&]() -> jint {
+        return kVersion;
+    });
 }
 
 }  // extern "C"

@@ -3,6 +3,7 @@
 #include <jni.h>
 
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 #include "render/magic_engine.h"
 
 namespace {
@@ -26,21 +27,25 @@ extern "C" {
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyTexture(JNIEnv* env, jclass, jint width,
                                                                                jint height) {
-    _Image* image = nullptr;
-    jobject qimage = newRGBAQImage(env, width, height, &image);
-    if (hasPixels(image)) readRGBA(0, 0, width, height, image->data);
-    return qimage;
+    return ifc::guardNative(env, [&]() -> jobject {
+        _Image* image = nullptr;
+        jobject qimage = newRGBAQImage(env, width, height, &image);
+        if (hasPixels(image)) readRGBA(0, 0, width, height, image->data);
+        return qimage;
+    });
 }
 
 JNIEXPORT jobject JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyTextureWithShare(
     JNIEnv* env, jclass, jint width, jint height, jint texture, jint slot) {
-    _Image* image = nullptr;
-    jobject qimage = newRGBAQImage(env, width, height, &image);
-    if (hasPixels(image)) {
-        magicCopyTextureToPixels(image->data, width, height, static_cast<unsigned>(slot),
-                                 static_cast<GLuint>(texture));
-    }
-    return qimage;
+    return ifc::guardNative(env, [&]() -> jobject {
+        _Image* image = nullptr;
+        jobject qimage = newRGBAQImage(env, width, height, &image);
+        if (hasPixels(image)) {
+            magicCopyTextureToPixels(image->data, width, height, static_cast<unsigned>(slot),
+                                     static_cast<GLuint>(texture));
+        }
+        return qimage;
+    });
 }
 
 }  // extern "C"

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "jni/bridge.h"
+#include "jni/native_guard.h"
 #include "render/gl_utils.h"
 #include "render/jni_guards.h"
 #include "render/magic_engine.h"
@@ -35,104 +36,130 @@ jint readIntoBitmap(JNIEnv* env, jobject bitmap, int x, int y) {
 
 extern "C" {
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeInitMagicEngine(JNIEnv*, jclass, jint count,
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeInitMagicEngine(JNIEnv* env, jclass, jint count,
                                                                                 jint slot) {
-    return magicEngineInit(count, poolSlot(slot));
+    return ifc::guardNative(env, [&]() -> jint {
+        return magicEngineInit(count, poolSlot(slot));
+    });
 }
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeCheckMagicEngine(JNIEnv*, jclass, jint count,
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeCheckMagicEngine(JNIEnv* env, jclass, jint count,
                                                                                  jint slot) {
-    return magicEngineCheck(count, poolSlot(slot));
+    return ifc::guardNative(env, [&]() -> jint {
+        return magicEngineCheck(count, poolSlot(slot));
+    });
 }
 
-JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeBeginUseEglImage(JNIEnv*, jclass, jint width,
+JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeBeginUseEglImage(JNIEnv* env, jclass, jint width,
                                                                                  jint height, jint slot) {
-    magicBeginUse(width, height, poolSlot(slot));
+    ifc::guardNative(env, [&] {
+        magicBeginUse(width, height, poolSlot(slot));
+    });
 }
 
-JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeEndUseEglImage(JNIEnv*, jclass, jint width,
+JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeEndUseEglImage(JNIEnv* env, jclass, jint width,
                                                                                jint height, jint slot) {
-    magicEndUse(width, height, poolSlot(slot));
+    ifc::guardNative(env, [&] {
+        magicEndUse(width, height, poolSlot(slot));
+    });
 }
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeDeinitMagicEngine(JNIEnv*, jclass, jint n) {
-    return magicEngineDeinit(n);
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeDeinitMagicEngine(JNIEnv* env, jclass, jint n) {
+    return ifc::guardNative(env, [&]() -> jint {
+        return magicEngineDeinit(n);
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativePushDataFromTexture(
     JNIEnv* env, jclass, jbyteArray data, jint width, jint height, jint slot) {
-    ByteElements bytes(env, data, rgbaBytes(width, height), "data");
-    if (bytes.data() == nullptr) return;
-    if (slot < 0) {
-        readRGBA(0, 0, width, height, bytes.data());
-        checkGlError("glReadPixels");
-    } else {
-        magicReadPixels(bytes.data(), width, height, poolSlot(slot));
-    }
+    ifc::guardNative(env, [&] {
+        ByteElements bytes(env, data, rgbaBytes(width, height), "data");
+        if (bytes.data() == nullptr) return;
+        if (slot < 0) {
+            readRGBA(0, 0, width, height, bytes.data());
+            checkGlError("glReadPixels");
+        } else {
+            magicReadPixels(bytes.data(), width, height, poolSlot(slot));
+        }
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativePushBitmapFromTexture(JNIEnv* env, jclass,
                                                                                      jobject bitmap, jint slot) {
-    LockedBitmap locked(env, bitmap, true);
-    if (!locked.locked()) return locked.result();
-    int width = static_cast<int>(locked.info().width);
-    int height = static_cast<int>(locked.info().height);
-    if (slot < 0) {
-        readRGBA(0, 0, width, height, locked.pixels());
-        checkGlError("glReadPixels");
-    } else {
-        magicReadPixels(locked.pixels(), width, height, poolSlot(slot));
-    }
-    return locked.unlock();
+    return ifc::guardNative(env, [&]() -> jint {
+        LockedBitmap locked(env, bitmap, true);
+        if (!locked.locked()) return locked.result();
+        int width = static_cast<int>(locked.info().width);
+        int height = static_cast<int>(locked.info().height);
+        if (slot < 0) {
+            readRGBA(0, 0, width, height, locked.pixels());
+            checkGlError("glReadPixels");
+        } else {
+            magicReadPixels(locked.pixels(), width, height, poolSlot(slot));
+        }
+        return locked.unlock();
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeSnap(JNIEnv* env, jclass, jobject bitmap) {
-    LockedBitmap locked(env, bitmap, true);
-    if (!locked.locked()) return 0;
-    int width = static_cast<int>(locked.info().width);
-    int height = static_cast<int>(locked.info().height);
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    std::unique_ptr<uint32_t, decltype(&free)> read(static_cast<uint32_t*>(malloc(rgbaBytes(width, height))),
-                                                    &free);
-    if (!read) return 0;
-    readRGBA(0, 0, width, height, read.get());
-    flipRows(read.get(), static_cast<uint32_t*>(locked.pixels()), width, height);
-    return 1;
+    return ifc::guardNative(env, [&]() -> jint {
+        LockedBitmap locked(env, bitmap, true);
+        if (!locked.locked()) return 0;
+        int width = static_cast<int>(locked.info().width);
+        int height = static_cast<int>(locked.info().height);
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        std::unique_ptr<uint32_t, decltype(&free)> read(static_cast<uint32_t*>(malloc(rgbaBytes(width, height))),
+                                                        &free);
+        if (!read) return 0;
+        readRGBA(0, 0, width, height, read.get());
+        flipRows(read.get(), static_cast<uint32_t*>(locked.pixels()), width, height);
+        return 1;
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyTexturToDataWithShare(
     JNIEnv* env, jclass, jint texture, jbyteArray data, jint width, jint height, jint slot) {
-    ByteElements bytes(env, data, rgbaBytes(width, height), "data");
-    if (bytes.data() == nullptr) return;
-    magicCopyTextureToPixels(bytes.data(), width, height, poolSlot(slot), static_cast<GLuint>(texture));
+    ifc::guardNative(env, [&] {
+        ByteElements bytes(env, data, rgbaBytes(width, height), "data");
+        if (bytes.data() == nullptr) return;
+        magicCopyTextureToPixels(bytes.data(), width, height, poolSlot(slot), static_cast<GLuint>(texture));
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyPixelToBitmapWithShare(
     JNIEnv* env, jclass, jobject bitmap, jint texture, jint slot) {
-    LockedBitmap locked(env, bitmap, true);
-    if (!locked.locked()) return 0;
-    magicCopyTextureToPixels(locked.pixels(), static_cast<int>(locked.info().width),
-                             static_cast<int>(locked.info().height), poolSlot(slot),
-                             static_cast<GLuint>(texture));
-    return 1;
+    return ifc::guardNative(env, [&]() -> jint {
+        LockedBitmap locked(env, bitmap, true);
+        if (!locked.locked()) return 0;
+        magicCopyTextureToPixels(locked.pixels(), static_cast<int>(locked.info().width),
+                                 static_cast<int>(locked.info().height), poolSlot(slot),
+                                 static_cast<GLuint>(texture));
+        return 1;
+    });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeToRGBData(JNIEnv* env, jclass, jbyteArray data,
                                                                           jint width, jint height) {
-    ByteElements bytes(env, data, rgbaBytes(width, height), "data");
-    if (bytes.data() == nullptr) return;
-    readRGBA(0, 0, width, height, bytes.data());
+    ifc::guardNative(env, [&] {
+        ByteElements bytes(env, data, rgbaBytes(width, height), "data");
+        if (bytes.data() == nullptr) return;
+        readRGBA(0, 0, width, height, bytes.data());
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyPixelToBitmap(JNIEnv* env, jclass,
                                                                                   jobject bitmap) {
-    return readIntoBitmap(env, bitmap, 0, 0);
+    return ifc::guardNative(env, [&]() -> jint {
+        return readIntoBitmap(env, bitmap, 0, 0);
+    });
 }
 
 JNIEXPORT jint JNICALL Java_com_lumeric_filter_GLSLRender_nativeRenderPixelToBitmap(JNIEnv* env, jclass,
                                                                                     jobject bitmap, jint x,
                                                                                     jint y) {
-    return readIntoBitmap(env, bitmap, x, y);
+    return ifc::guardNative(env, [&]() -> jint {
+        return readIntoBitmap(env, bitmap, x, y);
+    });
 }
 
 }  // extern "C"

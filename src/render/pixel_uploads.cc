@@ -1,9 +1,12 @@
 #include "render/pixel_uploads.h"
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
+
+#include "jni/qimage_pixels.h"
 
 namespace {
 
@@ -28,7 +31,13 @@ size_t unpackedByteCount(int width, int height, int bytesPerPixel) {
     return paddedRow * (static_cast<size_t>(height) - 1) + row;
 }
 
-int previewRows(int height) { return static_cast<int>(height * 1.5); }
+// Truncated, and saturated where an int cannot hold the product.
+int previewRows(int height) {
+    double rows = height * 1.5;
+    if (rows >= static_cast<double>(INT_MAX)) return INT_MAX;
+    if (rows <= static_cast<double>(INT_MIN)) return INT_MIN;
+    return static_cast<int>(rows);
+}
 
 void uploadPreviewFrame(const void* data, GLuint texture, int width, int height) {
     glActiveTexture(GL_TEXTURE0);
@@ -66,8 +75,8 @@ void uploadImageTexture(const _Image* image, GLuint texture) {
     if (format == 0) return;
     const void* pixels = image->data;
     size_t needed = unpackedByteCount(image->width, image->height, image->channels);
-    size_t available = image->size != 0 ? image->size
-                                        : static_cast<size_t>(image->stride) * static_cast<size_t>(image->height);
+    // Never more than the rows hold: a turned image keeps its old, larger size.
+    size_t available = ifc::image_capacity(image);
     std::vector<uint8_t> padded;
     if (needed > available) {
         padded.assign(needed, 0);

@@ -9,5 +9,7 @@ target_sources(ifc_objects PRIVATE
   render/glsl_render_upload_jni.cc
   render/jni_guards.cc
   render/magic_engine.cc
+  render/native_buffers.cc
   render/pixel_uploads.cc
+  render/renderer_handles.cc
   render/tiles.cc)

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "image_test_util.h"
@@ -108,6 +109,21 @@ TEST(ImageRecord, CopyImageKeepsDestinationBuffer) {
     copy_image(&bare, source.get());
     EXPECT_EQ(bare.data, own);
     EXPECT_EQ(bytesOf(own, 8), bytesOf(source->data, 8));
+
+    // The source's stride x height, not the destination's: a narrow record
+    // (stride 1 x 2 rows) over a 16-byte buffer still takes all 24 bytes of
+    // a 3 x 2 RGB source; a buffer smaller than that takes its size only.
+    ImagePtr wide = indexedImage(3, 2, 3, 12);
+    ImagePtr narrow(create_image(1, 2, 1, 1));
+    narrow->data = static_cast<unsigned char*>(std::realloc(narrow->data, 24));
+    narrow->size = 24;
+    copy_image(narrow.get(), wide.get());
+    EXPECT_EQ(bytesOf(narrow->data, 24), bytesOf(wide->data, 24));
+    EXPECT_THAT(shapeOf(*narrow), ElementsAre(3, 2, 3, 12, 24));
+    ImagePtr small(create_image(2, 2, 1, 5));  // size 10
+    std::memset(small->data, 0xEE, 10);
+    copy_image(small.get(), wide.get());
+    EXPECT_EQ(bytesOf(small->data, 10), bytesOf(wide->data, 10));
 }
 
 TEST(ImageRecord, CopyRoiUsesEachSidesChannelsAndCloneRoiIsUnpadded) {

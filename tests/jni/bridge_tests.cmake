@@ -1,6 +1,8 @@
 # bridge tests.
 ifc_add_gtest(packed_string_test packed_string_test.cc)
 ifc_add_gtest(bridge_test bridge_test.cc)
+ifc_add_gtest(native_guard_test native_guard_test.cc)
+target_compile_definitions(native_guard_test PRIVATE IFC_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 
 # JNI library of the Java bridge tests. It links the shared library itself
 # (never the static archive) so that it drives the functions the JVM loaded.

@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
+#include "jni/camera_frames.h"
 #include "jni/qimage_ops.h"
 
 using ::testing::ElementsAre;
@@ -67,4 +70,14 @@ TEST(QImageOps, MoveMarkersFreesTheOldList) {
     EXPECT_EQ(from.image->markers, nullptr);
     ifc::moveMarkers(to.image, nullptr);
     EXPECT_EQ(to.image->markers, nullptr);  // leaks would show under LeakSanitizer
+}
+
+// Sizes and steps that come from Java never overflow on the way in.
+TEST(QImageOps, JavaStepsAndTurnsSaturateInsteadOfOverflowing) {
+    const std::vector<std::pair<int, int>> steps = {
+        {1, 2}, {3, 4}, {4, 4}, {0, 0}, {-3, -3}, {INT_MAX - 1, INT_MAX - 1}, {INT_MAX, INT_MAX}};
+    for (auto [given, even] : steps) EXPECT_EQ(ifc::even_step(given), even) << given;
+    const std::vector<std::pair<int, int>> turns = {
+        {-450, -90}, {-90, 270}, {720, 0}, {INT_MAX, (INT_MAX % 360 + 360) % 360}, {INT_MIN, INT_MIN % 360}};
+    for (auto [degrees, turn] : turns) EXPECT_EQ(ifc::rotationRemainder(degrees), turn) << degrees;
 }

@@ -1,5 +1,7 @@
 // The renderer's CPU-side algorithms. Their pixels through the natives are
 // checked from Java (tile round trips, curve against a reference, uploads).
+#include <climits>
+
 #include "render/brightness_curve.h"
 #include "render/pixel_uploads.h"
 #include "render/tiles.h"
@@ -21,6 +23,16 @@ TEST(Tiles, CountsFitTheLimitAndLastTileTakesRemainder) {
     TileRect tile;
     EXPECT_FALSE(tileRect(1001, 10, 2, 0, 2, 1, &tile));
     EXPECT_FALSE(tileRect(1001, 10, 0, 0, 0, 1, &tile));
+}
+
+// A camera frame's rows: height x 1.5 truncated, saturated for heights
+// whose product an int cannot hold (then no array is long enough).
+TEST(PreviewRows, TruncatesAndSaturates) {
+    EXPECT_EQ(720, previewRows(480));
+    EXPECT_EQ(4, previewRows(3));
+    EXPECT_EQ(-4, previewRows(-3));
+    EXPECT_EQ(INT_MAX, previewRows(INT_MAX));
+    EXPECT_EQ(INT_MIN, previewRows(INT_MIN));
 }
 
 // An empty frame divides by zero in float: a ring slot that held counts is an
@@ -65,9 +77,22 @@ TEST_F(UploadTest, RgbImageUploadNeverReadsPastItsBytes) {
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.name(), 0);
     auto read = readPixels(0, 0, 3, 2);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    glDeleteFramebuffers(1, &framebuffer);
     EXPECT_EQ(rgba(13, 14, 15, 255), pixelAt(read, 3, 0, 1));  // second row starts at byte 12
     EXPECT_EQ(rgba(0, 0, 0, 255), pixelAt(read, 3, 2, 1));     // beyond the image: zero
+
+    // A turned 3 x 2 image keeps its size 24 but its rows hold 2 x 3 x 3 =
+    // 18 bytes (the 0xEE tail is not the image's); GL reads 8 + 8 + 6: the
+    // last row's second half is padding.
+    std::vector<uint8_t> turnedPixels(24, 0xEE);
+    for (int i = 0; i < 18; ++i) turnedPixels[i] = static_cast<uint8_t>(i + 1);
+    _Image turned{turnedPixels.data(), 24, 2, 3, 3, 6, 0, 0, nullptr};
+    uploadImageTexture(&turned, texture.name());
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    read = readPixels(0, 0, 2, 3);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glDeleteFramebuffers(1, &framebuffer);
+    EXPECT_EQ(rgba(17, 18, 0, 255), pixelAt(read, 2, 0, 2));
+    EXPECT_EQ(rgba(0, 0, 0, 255), pixelAt(read, 2, 1, 2));
 }
 
 }  // namespace

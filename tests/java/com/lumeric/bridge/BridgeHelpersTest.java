@@ -130,5 +130,6 @@ class BridgeHelpersTest {
     @Test
     void rectFieldsMapInOrder() {
         assertArrayEquals(new int[] {-3, 4, 50, -7}, BridgeProbe.rect(new MRect(-3, 4, 50, -7)));
+        assertArrayEquals(new int[] {0, 0, 0, 0}, BridgeProbe.rect(null));  // nothing read
     }
 }

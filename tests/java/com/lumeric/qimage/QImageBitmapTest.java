@@ -95,8 +95,6 @@ class QImageBitmapTest {
             // A binding raises and carries on: it keeps the lock.
             {"BindBitmap", "565", NullPointerException.class, format, 1},
             {"BindBitmap", "unlockable", RuntimeException.class, lock, 0},
-            {"BindBitmap", null, NullPointerException.class, null, 0},
-            {"UnBindBitmap", null, NullPointerException.class, null, 0},
         };
         for (Object[] c : cases) {
             String what = c[0] + " " + c[1];

@@ -1,0 +1,69 @@
+// The directory bundle serves files as one-row byte images; a file whose
+// length an int cannot hold is refused with a log line, never truncated.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "engine/resource_loader.h"
+#include "jni/capture_stderr.h"
+
+namespace {
+
+struct ScratchDir {
+    std::string path;
+    ScratchDir() {
+        char name[] = "/tmp/ifc_bundle_XXXXXX";
+        path = mkdtemp(name);
+    }
+    ~ScratchDir() { std::system(("rm -rf '" + path + "'").c_str()); }
+    void write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(path + "/" + name, std::ios::binary) << bytes;
+    }
+};
+
+}  // namespace
+
+TEST(DirectoryResources, FilesBecomeByteRowsAndOversizedOnesAreRefused) {
+    ScratchDir dir;
+    dir.write("three.bin", std::string("a\0c", 3));
+    dir.write("empty.bin", "");
+    // Sparse: 2 GiB of length without the disk space.
+    { std::ofstream(dir.path + "/huge.bin"); }
+    ASSERT_EQ(truncate((dir.path + "/huge.bin").c_str(), 0x80000000LL), 0);
+
+    HFDirectoryResourceProvider bundle(dir.path);
+    struct Case {
+        const char* path;
+        int width;  // -1: no image
+        std::string bytes;
+    };
+    const Case cases[] = {
+        {"three.bin", 3, std::string("a\0c", 3)},
+        {"empty.bin", 0, ""},
+        {"missing.bin", -1, ""},
+        {nullptr, -1, ""},
+    };
+    for (const Case& c : cases) {
+        _Image* image = bundle.loadData(c.path);
+        const char* name = c.path ? c.path : "(null)";
+        if (c.width < 0) {
+            EXPECT_EQ(image, nullptr) << name;
+            continue;
+        }
+        ASSERT_NE(image, nullptr) << name;
+        EXPECT_EQ(image->width, c.width) << name;
+        EXPECT_EQ(image->height, 1) << name;
+        EXPECT_EQ(std::string(reinterpret_cast<char*>(image->data), c.width), c.bytes) << name;
+        free_image(&image);
+    }
+
+    _Image* huge = reinterpret_cast<_Image*>(1);
+    std::string log = captureStderr([&] { huge = bundle.loadData("huge.bin"); });
+    EXPECT_EQ(huge, nullptr);
+    EXPECT_NE(log.find("resource huge.bin: 2147483648 bytes, too large"), std::string::npos) << log;
+}
