@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <utility>
 #include <vector>
 
 #include "jni/bridge.h"
+#include "jni/log.h"
 
 namespace {
 
@@ -37,10 +39,19 @@ HFDirectoryResourceProvider::HFDirectoryResourceProvider(std::string rootDirecto
 
 std::string HFDirectoryResourceProvider::fullPath(const char* path) const { return root + "/" + path; }
 
+// A blob's byte count is its width, a signed 32-bit int: a file of 2 GiB or
+// more cannot be one, so it is refused before anything is read.
 _Image* HFDirectoryResourceProvider::loadData(const char* path) {
-    std::ifstream file(fullPath(path), std::ios::binary);
+    std::ifstream file(fullPath(path), std::ios::binary | std::ios::ate);
     if (!file) return nullptr;
+    const std::streamoff length = file.tellg();
+    if (length > std::numeric_limits<int32_t>::max()) {
+        log_printE("resource %s: %lld bytes, more than a resource may hold", path, static_cast<long long>(length));
+        return nullptr;
+    }
+    file.seekg(0);
     std::vector<char> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (bytes.size() > static_cast<size_t>(std::numeric_limits<int32_t>::max())) return nullptr;
     // A one-row image; an empty file still gets a one-byte buffer.
     int width = static_cast<int>(bytes.size());
     _Image* blob = create_image(width > 0 ? width : 1, 1, 1, width > 0 ? width : 1);
