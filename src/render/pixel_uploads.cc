@@ -28,7 +28,14 @@ size_t unpackedByteCount(int width, int height, int bytesPerPixel) {
     return paddedRow * (static_cast<size_t>(height) - 1) + row;
 }
 
-int previewRows(int height) { return static_cast<int>(height * 1.5); }
+// height x 1.5 truncated toward zero, done in integers: the double product
+// of a height near the int limits does not fit back into an int.
+int previewRows(int height) {
+    const int64_t rows = static_cast<int64_t>(height) * 3 / 2;
+    if (rows > INT32_MAX) return INT32_MAX;
+    if (rows < INT32_MIN) return INT32_MIN;
+    return static_cast<int>(rows);
+}
 
 void uploadPreviewFrame(const void* data, GLuint texture, int width, int height) {
     glActiveTexture(GL_TEXTURE0);

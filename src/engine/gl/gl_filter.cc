@@ -224,8 +224,14 @@ void HFGLFilter::readOutput(_Image* image) {
 // Reads only into a 4-channel image whose rows can hold the read-back rows.
 void HFGLFilter::readPixelsInto(_Image* image) {
     if (image == nullptr || image->data == nullptr || image->channels != 4) return;
-    if (image->width <= 0 || image->height <= 0 || image->stride < image->width * 4) return;
+    if (image->width <= 0 || image->height <= 0 || image->stride / 4 < image->width) return;
+    // RGBA rows are whole words: alignments up to 4 write them tightly, 8
+    // would pad odd widths past the image's rows. The caller's value returns.
+    GLint alignment = 4;
+    glGetIntegerv(GL_PACK_ALIGNMENT, &alignment);
+    if (alignment > 4) glPixelStorei(GL_PACK_ALIGNMENT, 4);
     glReadPixels(0, 0, image->width, image->height, GL_RGBA, GL_UNSIGNED_BYTE, image->data);
+    if (alignment > 4) glPixelStorei(GL_PACK_ALIGNMENT, alignment);
 }
 
 void HFGLFilter::clearMemoryData() {

@@ -5,6 +5,7 @@
 #include "engine/gl/gl_filter_fbo.h"
 #include "engine/gl/gl_filter_program.h"
 #include "gl_test_support.h"
+#include "jni/guarded_buffer.h"
 #include "jni/capture_stderr.h"
 #include "support/gl_fixture.h"
 
@@ -179,6 +180,29 @@ TEST_F(HFGLFilterTest, RendersExactPixelsAndKeepsThemInTheOutput) {
     free_image(&gray);
     free_image(&input);
     free_image(&out);
+}
+
+// Under a caller's pack alignment of 8, odd-width RGBA rows would be padded
+// past the image's tight rows; the read-back writes exactly the image's bytes
+// (it ends at an unreadable page) and leaves the caller's alignment.
+TEST_F(HFGLFilterTest, ReadBackWritesOnlyTheImageRowsWhateverThePackAlignment) {
+    std::vector<unsigned char> bytes(24);
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(10 * i);
+    _Image* input = gltest::makeRGBA(3, 2, bytes);
+    shared_ptr<HFGLFilter> filter = HFGLFilter::createFilter(kSwapFragment, kVertex);
+    filter->setInputTextureImage(input, 0);
+    free_image(&input);
+    GuardedBuffer pixels(24);
+    _Image* out = create_image_header(3, 2, 4, 12);
+    out->data = pixels.data();
+    glPixelStorei(GL_PACK_ALIGNMENT, 8);
+    filter->render(out);
+    EXPECT_EQ(8, glInteger(GL_PACK_ALIGNMENT));
+    for (size_t i = 0; i < bytes.size(); i += 4) std::swap(bytes[i], bytes[i + 2]);
+    EXPECT_EQ(bytes, bytesOf(out, 24));
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    free_image_header(&out);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 
 TEST_F(HFGLFilterTest, CurveBecomesAOneRowLuminanceInput) {
