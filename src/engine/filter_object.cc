@@ -25,7 +25,8 @@ void HFFilterObject::addMap(int output, int input, int index) {
     if (output < 0) {
         // The composite's own input -output-1; deliberately unchecked apart
         // from the four slots that exist.
-        const int slot = -output - 1;
+        // In 64 bits: a relation's "output" may be INT32_MIN.
+        const int64_t slot = -static_cast<int64_t>(output) - 1;
         if (slot < 4) inputMaps[slot].emplace_back(input, index);
         return;
     }

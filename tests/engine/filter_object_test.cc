@@ -55,9 +55,10 @@ TEST_F(FilterObjectTest, RelationReplacesALinkedSlotAndAddsAFreeOne) {
 TEST_F(FilterObjectTest, OutOfRangeMapsFollowTheUnsignedRules) {
     shared_ptr<HFFilterObject> composite = chain();
     const Lists chained = composite->outputWiring();
-    const int ignored[][2] = {{5, 0}, {3, 0}, {0, -2}, {0, 4}};
+    const int ignored[][2] = {{5, 0}, {3, 0}, {0, -2}, {0, 4}, {INT32_MIN, 0}, {-5, 0}};
     for (const auto& map : ignored) composite->addMap(map[0], map[1], 0);
     EXPECT_EQ(chained, composite->outputWiring());
+    for (int input = 0; input < 4; ++input) EXPECT_TRUE(composite->inputWiring(input).empty());
 
     // One past the last child is stored, and skipped when rendering.
     composite->addMap(0, 3, 0);
