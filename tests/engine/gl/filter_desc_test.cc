@@ -303,4 +303,29 @@ TEST_F(FilterDescTest, FailedPackagesAreReadAgainUntilTheyBuild) {
     EXPECT_EQ(4, bundle.reads["filter/fix_broken/filter.xml"]) << "cached once built";
 }
 
+// A bundle may answer an image request with a header over pixels it keeps
+// (a bound bitmap): the parameter frees only the header, the pixels stay the
+// bundle's and reach the filter's input as they are.
+TEST_F(FilterDescTest, BorrowedParameterImagesAreNotFreed) {
+    struct BorrowingBundle : CountingBundle {
+        using CountingBundle::CountingBundle;
+        _Image* loadRGBA(const char*) override {
+            _Image* header = create_image_header(1, 1, 4, 4);
+            header->data = pixel;
+            return header;
+        }
+        unsigned char pixel[4] = {1, 2, 3, 4};
+    } borrowing{root};
+    HFResourceLoader_setProvider(&borrowing);
+    describe("borrowswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
+    shared_ptr<IHFFilter> filter = leaf("<filter implement='borrowswap'>" + param("1", "image", "grain.png") + "</filter>",
+                                        "borrow1")
+                                       ->createFilter();
+    ASSERT_TRUE(filter);
+    HFSize size = static_cast<HFGLTexture*>(filter->getInputTexture(1).get())->size();
+    EXPECT_EQ(HFSize({1, 1}), size);
+    EXPECT_EQ((std::vector<unsigned char>{1, 2, 3, 4}), std::vector<unsigned char>(borrowing.pixel, borrowing.pixel + 4));
+    HFResourceLoader_setProvider(&bundle);
+}
+
 }  // namespace
