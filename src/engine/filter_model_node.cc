@@ -3,34 +3,111 @@
 #include <tinyxml2.h>
 
 #include <cstdlib>
+#include <set>
 
 #include "engine/engine_problems.h"
 #include "engine/filter_object.h"
-#include "engine/filter_package.h"
 #include "engine/gl/shader_origin.h"
+#include "jni/log.h"
+
+namespace {
+
+// True when `target` is `from` or lies below it, counting the links still to
+// be added. Links are only ever added when this is false for them, so the
+// node graph stays acyclic and the walk ends.
+bool reaches(const IHFFilterNode* from, const IHFFilterNode* target,
+             const std::vector<std::pair<const IHFFilterNode*, const IHFFilterNode*>>& pending,
+             std::set<const IHFFilterNode*>& seen) {
+    if (from == target) return true;
+    if (!seen.insert(from).second) return false;
+    if (const auto* model = dynamic_cast<const HFFilterModelNode*>(from)) {
+        for (const shared_ptr<IHFFilterNode>& child : model->children) {
+            if (reaches(child.get(), target, pending, seen)) return true;
+        }
+    }
+    for (const auto& link : pending) {
+        if (link.first == from && reaches(link.second, target, pending, seen)) return true;
+    }
+    return false;
+}
+
+class BuildingFlag {
+public:
+    explicit BuildingFlag(bool& flag) : flag(flag) { flag = true; }
+    ~BuildingFlag() { flag = false; }
+    BuildingFlag(const BuildingFlag&) = delete;
+    BuildingFlag& operator=(const BuildingFlag&) = delete;
+
+private:
+    bool& flag;
+};
+
+}  // namespace
+
+HFFilterModelNode::HFFilterModelNode(HFFilterNodeSource nodeSource) : source(nodeSource) {}
+
+// Checks without changing anything: an included element is parsed into the
+// shared node of its package, so a refusal found halfway would leave other
+// packages changed. Included packages are loaded (and cached) on the way.
+bool HFFilterModelNode::accepts(const tinyxml2::XMLElement* element, const IHFFilterNode* into,
+                                Links& pending) const {
+    for (const tinyxml2::XMLElement* child = element->FirstChildElement("filter"); child != nullptr;
+         child = child->NextSiblingElement("filter")) {
+        const tinyxml2::XMLAttribute* include = child->FindAttribute("include");
+        if (include == nullptr) continue;
+        shared_ptr<IHFFilterNode> node = source.package(include->Value());
+        if (!node) {
+            log_printE("model: included package %s cannot be built", include->Value());
+            return false;
+        }
+        std::set<const IHFFilterNode*> seen;
+        if (reaches(node.get(), into, pending, seen)) {
+            log_printE("model: including package %s here would make a package contain itself", include->Value());
+            return false;
+        }
+        pending.emplace_back(into, node.get());
+        const auto* model = dynamic_cast<const HFFilterModelNode*>(node.get());
+        if (model != nullptr && !model->accepts(child, model, pending)) return false;
+    }
+    for (const tinyxml2::XMLElement* relation = element->FirstChildElement("relation"); relation != nullptr;
+         relation = relation->NextSiblingElement("relation")) {
+        if (relation->FindAttribute("output") == nullptr || relation->FindAttribute("input") == nullptr ||
+            relation->FindAttribute("index") == nullptr) {
+            log_printE("model: relation needs \"output\", \"input\" and \"index\"");
+            return false;
+        }
+    }
+    return true;
+}
 
 // All "filter" children come first, then all "relation" children, wherever
 // they stand in the document.
 void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
+    Links pending;
+    if (!accepts(element, this, pending)) {
+        complete = false;
+        return;
+    }
     for (tinyxml2::XMLElement* child = element->FirstChildElement("filter"); child != nullptr;
          child = child->NextSiblingElement("filter")) {
         shared_ptr<IHFFilterNode> node;
         if (const tinyxml2::XMLAttribute* include = child->FindAttribute("include")) {
             // The including element is parsed into the shared, cached node on
             // purpose: what it carries reaches every user of that package.
-            node = HFFilterPackage_node(include->Value());
+            node = source.package(include->Value());
             if (!node) {
                 HFProblem_report(std::string("model: included package ") + include->Value() + " cannot be built");
-                complete = false;
-                continue;
             }
         } else {
-            node = HFFilterPackage_createLeafNode();
+            node = source.leaf();
+        }
+        if (!node) {
+            complete = false;
+            continue;
         }
         node->parse(child);
         children.push_back(node);
     }
-
     for (tinyxml2::XMLElement* relation = element->FirstChildElement("relation"); relation != nullptr;
          relation = relation->NextSiblingElement("relation")) {
         const tinyxml2::XMLAttribute* output = relation->FindAttribute("output");
@@ -52,6 +129,13 @@ void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
 shared_ptr<IHFFilter> HFFilterModelNode::createFilter() {
     if (!complete) return shared_ptr<IHFFilter>();
     const HFPackageScope package(name);
+    // Parsing keeps packages from containing themselves; a graph assembled
+    // by hand is refused here rather than recursing without end.
+    if (building) {
+        log_printE("model: package %s contains itself", name.c_str());
+        return shared_ptr<IHFFilter>();
+    }
+    BuildingFlag flag(building);
     shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
     for (const shared_ptr<IHFFilterNode>& node : children) {
         shared_ptr<IHFFilter> filter = node->createFilter();

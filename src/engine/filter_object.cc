@@ -25,7 +25,8 @@ void HFFilterObject::addMap(int output, int input, int index) {
     if (output < 0) {
         // The composite's own input -output-1; deliberately unchecked apart
         // from the four slots that exist.
-        const int slot = -output - 1;
+        // In 64 bits: a relation's "output" may be INT32_MIN.
+        const int64_t slot = -static_cast<int64_t>(output) - 1;
         if (slot < 4) inputMaps[slot].emplace_back(input, index);
         return;
     }
@@ -61,7 +62,7 @@ shared_ptr<IHFFilter> HFFilterObject::firstChild() const { return child(0); }
 
 shared_ptr<IHFFilter> HFFilterObject::lastChild() const { return child(static_cast<int>(filters.size()) - 1); }
 
-// An empty composite is a no-op everywhere below.
+// An empty composite, and an empty child handle, are no-ops everywhere below.
 void HFFilterObject::setInputTextureSize(HFSize size) {
     if (shared_ptr<IHFFilter> first = firstChild()) first->setInputTextureSize(size);
 }
@@ -90,7 +91,7 @@ shared_ptr<IHFTexture> HFFilterObject::getInputTexture(int index) {
 void HFFilterObject::setProperty(const char* name, float value) {
     for (size_t i = 0; i < filters.size(); ++i) {
         shared_ptr<IHFFilter> filter = filters[i];
-        filter->setProperty(name, value);
+        if (filter) filter->setProperty(name, value);
     }
 }
 
@@ -103,10 +104,11 @@ void HFFilterObject::setFilterFBO() {
 void HFFilterObject::render(_Image* image) {
     const int n = static_cast<int>(filters.size());
     if (n == 0) return;
-    if (image != nullptr) filters[0]->setInputTextureImage(image, 0);
+    if (image != nullptr && filters[0]) filters[0]->setInputTextureImage(image, 0);
     if (n != 1) {
         for (int i = 0; i < n - 1; ++i) {
             shared_ptr<IHFFilter> source = filters[static_cast<size_t>(i)];
+            if (!source) continue;
             source->render(nullptr);
             if (static_cast<size_t>(i) < outputMaps.size()) {
                 for (const Destination& destination : outputMaps[static_cast<size_t>(i)]) {
@@ -120,8 +122,7 @@ void HFFilterObject::render(_Image* image) {
             if (releaseIntermediates) source->clearMemoryData();
         }
     }
-    shared_ptr<IHFFilter> last = lastChild();
-    last->render(image);
+    if (shared_ptr<IHFFilter> last = lastChild()) last->render(image);
 }
 
 void HFFilterObject::setFrameBufferBlendMode(int, int) {}
@@ -146,7 +147,7 @@ void HFFilterObject::clearMemoryData() {
     if (n <= 1) return;
     for (size_t i = 0; i + 1 < n; ++i) {
         shared_ptr<IHFFilter> filter = filters[i];
-        filter->clearMemoryData();
+        if (filter) filter->clearMemoryData();
     }
 }
 

@@ -82,22 +82,22 @@ shared_ptr<IHFFilterNode> readPackage(const std::string& name) {
     return node;
 }
 
+// Only a package that was read and parsed whole enters the cache: a failure
+// is logged and the file read again on the next request, so a fixed package
+// is picked up without a restart. Parsing refuses an element before it
+// changes any shared node, so reading a package again changes nothing twice.
 shared_ptr<IHFFilterNode> loadPackage(const std::string& name) {
-    // Not cached here: the load already under way caches its own outcome.
     if (packagesInProgress().count(name) != 0) {
         HFFilterPackage_logError(name, "includes itself");
         return shared_ptr<IHFFilterNode>();
     }
     InProgress guard(name);
     shared_ptr<IHFFilterNode> node = readPackage(name);
-    // A broken package is cached too, as an empty entry: every package file
-    // is read at most once per process whatever it holds, as GL descriptions
-    // are, and a retry cannot re-parse its includes into the shared nodes.
-    // An include reached while loading may have cached the name already;
-    // that entry stays, and this call still returns its own node.
-    filterNodeCache().insert(HFFilterNodeCache::value_type(name, node));
+    if (node) filterNodeCache().insert(HFFilterNodeCache::value_type(name, node));
     return node;
 }
+
+HFFilterNodeSource nodeSource() { return HFFilterNodeSource{&HFFilterPackage_node, &HFFilterPackage_createLeafNode}; }
 
 HFLeafNodeFactory leafNodeFactory = &HFFilterPackage_defaultLeafNode;
 
@@ -124,7 +124,7 @@ shared_ptr<IHFFilterNode> HFFilterPackage_createNode(tinyxml2::XMLElement* root)
     const std::string kind = root->Value();
     shared_ptr<IHFFilterNode> node;
     if (kind == "model") {
-        node = shared_ptr<IHFFilterNode>(new HFFilterModelNode());
+        node = shared_ptr<IHFFilterNode>(new HFFilterModelNode(nodeSource()));
     } else if (kind == "filter") {
         node = HFFilterPackage_createLeafNode();
     }

@@ -14,12 +14,12 @@ class XMLElement;
 
 using HFFilterNodeCache = std::map<std::string, shared_ptr<IHFFilterNode>>;
 
-// Process-wide; entries are never removed or replaced.
+// Process-wide; holds only packages that were read and parsed whole.
+// Entries are never removed or replaced.
 IFC_API HFFilterNodeCache& filterNodeCache();
 
-// The cached node of a package, loading it on a miss. Empty (and logged)
-// when the package cannot be built; such a failure is cached as well, so the
-// file is read once whatever it holds.
+// The cached node of a package, loading it on a miss. Empty (and logged, on
+// every request) when the package cannot be built; a failure is not cached.
 IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_node(const std::string& name);
 
 // "model" or "filter" root element to a parsed node; anything else is empty.

@@ -2,6 +2,7 @@
 #include <jni.h>
 
 #include <exception>
+#include <utility>
 
 #include "engine/filter_wraper.h"
 #include "jni/bridge.h"
@@ -26,6 +27,21 @@ private:
     const char* chars;
 };
 
+// Runs a native's work; a C++ exception (an allocation failure, a failure
+// inside the filter tree) becomes a java/lang/RuntimeException instead of
+// ending the JVM.
+template <typename Body>
+auto guarded(JNIEnv* env, decltype(std::declval<Body>()()) onFailure, Body&& body) -> decltype(body()) {
+    try {
+        return body();
+    } catch (const std::exception& error) {
+        jniThrowRuntimeException(env, error.what());
+    } catch (...) {
+        jniThrowRuntimeException(env, "filter engine failure");
+    }
+    return onFailure;
+}
+
 }  // namespace
 
 extern "C" {
@@ -33,34 +49,33 @@ extern "C" {
 JNIEXPORT jlong JNICALL Java_com_lumeric_filter_FilterWraper_nativeInitialWithString(JNIEnv* env, jobject,
                                                                                       jstring name) {
     if (name == nullptr) {
-        jniThrowNullPointerException(env, "package name is null");
+        jniThrowRuntimeException(env, "package name is null");
         return 0;
     }
     StringChars chars(env, name);
     if (chars.get() == nullptr) return 0;
-    try {
-        return toJavaHandle(new HFFilterWraper(chars.get()));
-    } catch (const std::exception& error) {
-        jniThrowRuntimeException(env, error.what());
-    } catch (...) {
-        jniThrowRuntimeException(env, "cannot load filter package");
-    }
-    return 0;
+    return guarded(env, jlong{0}, [&] { return toJavaHandle(new HFFilterWraper(chars.get())); });
 }
 
 JNIEXPORT void JNICALL Java_com_lumeric_filter_FilterWraper_nativeDispose(JNIEnv*, jobject, jlong handle) {
     delete fromJavaHandle<HFFilterWraper>(handle);
 }
 
-JNIEXPORT void JNICALL Java_com_lumeric_filter_FilterWraper_nativeRenderContext(JNIEnv*, jobject, jlong handle,
+JNIEXPORT void JNICALL Java_com_lumeric_filter_FilterWraper_nativeRenderContext(JNIEnv* env, jobject, jlong handle,
                                                                                 jint texture, jint width,
                                                                                 jint height) {
-    if (HFFilterWraper* wraper = fromJavaHandle<HFFilterWraper>(handle)) wraper->renderTexture(texture, width, height);
+    HFFilterWraper* wraper = fromJavaHandle<HFFilterWraper>(handle);
+    if (wraper == nullptr) return;
+    guarded(env, 0, [&] {
+        wraper->renderTexture(texture, width, height);
+        return 0;
+    });
 }
 
-JNIEXPORT jint JNICALL Java_com_lumeric_filter_FilterWraper_nativeGetOutputText(JNIEnv*, jobject, jlong handle) {
+JNIEXPORT jint JNICALL Java_com_lumeric_filter_FilterWraper_nativeGetOutputText(JNIEnv* env, jobject, jlong handle) {
     HFFilterWraper* wraper = fromJavaHandle<HFFilterWraper>(handle);
-    return wraper != nullptr ? wraper->outputTexture() : 0;
+    if (wraper == nullptr) return 0;
+    return guarded(env, jint{0}, [&] { return static_cast<jint>(wraper->outputTexture()); });
 }
 
 }  // extern "C"

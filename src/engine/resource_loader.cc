@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "jni/bridge.h"
+#include "jni/log.h"
 
 namespace {
 
@@ -36,6 +37,8 @@ HFDirectoryResourceProvider::HFDirectoryResourceProvider(std::string rootDirecto
 
 std::string HFDirectoryResourceProvider::fullPath(const char* path) const { return root + "/" + path; }
 
+// A blob's byte count is its width, a signed 32-bit int: a file of 2 GiB or
+// more cannot be one, so it is refused before anything is read.
 _Image* HFDirectoryResourceProvider::loadData(const char* path) {
     if (path == nullptr) return nullptr;
     std::ifstream file(fullPath(path), std::ios::binary | std::ios::ate);

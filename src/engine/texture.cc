@@ -1,8 +1,48 @@
 #include "engine/texture.h"
 
+#include <cstring>
+#include <vector>
+
 const HFGLTextureOptions defaultTextureOptions = {
     GL_LINEAR, GL_LINEAR, GL_CLAMP_TO_EDGE, GL_CLAMP_TO_EDGE, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE,
 };
+
+namespace {
+
+int bytesPerTexel(GLenum format) {
+    if (format == GL_LUMINANCE) return 1;
+    if (format == GL_LUMINANCE_ALPHA) return 2;
+    return 4;
+}
+
+// What glTexImage2D reads for the image in `format` under the caller's unpack
+// alignment. A three-channel image goes up as RGBA, and a luminance row is
+// padded to the alignment, so GL may want more bytes than the image holds.
+size_t bytesGLReads(const _Image& image, GLenum format) {
+    if (image.width <= 0 || image.height <= 0) return 0;
+    GLint alignment = 4;
+    glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
+    if (alignment < 1) alignment = 1;
+    const size_t row = static_cast<size_t>(image.width) * static_cast<size_t>(bytesPerTexel(format));
+    const size_t alignedRow = (row + static_cast<size_t>(alignment) - 1) / static_cast<size_t>(alignment) *
+                              static_cast<size_t>(alignment);
+    return alignedRow * (static_cast<size_t>(image.height) - 1) + row;
+}
+
+size_t bytesHeld(const _Image& image) {
+    if (image.size != 0) return image.size;
+    if (image.stride <= 0 || image.height <= 0) return 0;
+    return static_cast<size_t>(image.stride) * static_cast<size_t>(image.height);
+}
+
+// Sizes GL rejects before reading anything need no copy.
+bool withinTextureLimits(const _Image& image) {
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    return image.width <= limit && image.height <= limit;
+}
+
+}  // namespace
 
 HFGLTexture::HFGLTexture(unsigned int name, HFGLTextureOptions textureOptions)
     : texture(name), ownsTexture(false), recordedSize{0, 0}, options(textureOptions) {
@@ -48,7 +88,7 @@ void HFGLTexture::setupParameters() {
 }
 
 // Uploads and resizes use unit 3 so that units 0-2, which the GL filters bind
-// while drawing, stay untouched. Rows are taken as tightly packed.
+// while drawing, stay untouched. The image's stride is not passed to GL.
 void HFGLTexture::setImage(_Image* image) {
     if (image == nullptr) {
         recordedSize = HFSize{0, 0};
@@ -62,10 +102,20 @@ void HFGLTexture::setImage(_Image* image) {
         format = GL_LUMINANCE_ALPHA;
     }
     options.internalFormat = format;
+    // GL sees the image's bytes as they are and zeros past their end.
+    const void* pixels = image->data;
+    std::vector<unsigned char> padded;
+    const size_t wanted = bytesGLReads(*image, format);
+    const size_t held = bytesHeld(*image);
+    if (pixels != nullptr && wanted > held && withinTextureLimits(*image)) {
+        padded.assign(wanted, 0);
+        memcpy(padded.data(), image->data, held);
+        pixels = padded.data();
+    }
     glActiveTexture(GL_TEXTURE3);
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format), image->width, image->height, 0, format,
-                 GL_UNSIGNED_BYTE, image->data);
+                 GL_UNSIGNED_BYTE, pixels);
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 

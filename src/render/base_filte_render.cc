@@ -41,11 +41,17 @@ void setLinearClamp(GLenum target) {
     glTexParameterf(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
 }
 
+// The copy is made before the stored text is freed: `source` may be that very
+// text (what vertexShaderSource() returned). A null source, or no memory for
+// the copy, keeps what is stored.
 void replaceSource(char** stored, const char* source) {
-    free(*stored);
+    if (source == nullptr) return;
     size_t length = strlen(source) + 1;
-    *stored = static_cast<char*>(malloc(length));
-    memcpy(*stored, source, length);
+    char* copy = static_cast<char*>(malloc(length));
+    if (copy == nullptr) return;
+    memcpy(copy, source, length);
+    free(*stored);
+    *stored = copy;
 }
 
 }  // namespace

@@ -34,15 +34,42 @@ void deleteEntryObjects(ImageFBO* entry) {
     entry->initialized = 0;
 }
 
-// Releases the engine's GL names and entries. A program that is no longer a
-// program means the context it lived in is gone; the other names may then
-// belong to someone else in the current context, so they are forgotten, not
-// deleted.
+GLint attachment(GLenum point, GLenum query) {
+    GLint value = 0;
+    glGetFramebufferAttachmentParameteriv(GL_FRAMEBUFFER, point, query, &value);
+    return value;
+}
+
+// True when the entry's framebuffer still exists and holds the entry's own
+// texture and depth renderbuffer: then all three names are still the
+// entry's, even where the copy program is gone. The framebuffer binding is
+// restored.
+bool entryObjectsStillOurs(const ImageFBO* entry) {
+    if (entry->framebuffer == 0 || !glIsFramebuffer(entry->framebuffer)) return false;
+    GLint previous = 0;
+    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &previous);
+    glBindFramebuffer(GL_FRAMEBUFFER, entry->framebuffer);
+    // A name may only be asked for once the type says there is an object.
+    bool ours = attachment(GL_COLOR_ATTACHMENT0, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE) == GL_TEXTURE &&
+                attachment(GL_COLOR_ATTACHMENT0, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME) ==
+                    static_cast<GLint>(entry->texture) &&
+                attachment(GL_DEPTH_ATTACHMENT, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_TYPE) == GL_RENDERBUFFER &&
+                attachment(GL_DEPTH_ATTACHMENT, GL_FRAMEBUFFER_ATTACHMENT_OBJECT_NAME) ==
+                    static_cast<GLint>(entry->renderbuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(previous));
+    return ours;
+}
+
+// Releases the engine's GL names and entries. With the copy program alive
+// the context is the engine's own and every name is deleted. Without it the
+// context may be a new one where the same numbers name someone else's
+// objects: an entry's names are deleted only where its framebuffer still
+// holds its own attachments, the rest are forgotten.
 void destroyEngine(MagicEngine* engine) {
     bool contextAlive = engine->program != 0 && glIsProgram(engine->program);
-    if (contextAlive) {
-        glDeleteProgram(engine->program);
-        for (auto& entry : engine->entries) deleteEntryObjects(entry.get());
+    if (contextAlive) glDeleteProgram(engine->program);
+    for (auto& entry : engine->entries) {
+        if (contextAlive || entryObjectsStillOurs(entry.get())) deleteEntryObjects(entry.get());
     }
     engine->program = 0;
     engine->entries.clear();
@@ -148,6 +175,7 @@ void drawCopy(const MagicEngine* engine, GLuint texture) {
 }  // namespace
 
 extern "C" int initImageFBO(ImageFBO* entry, const void* pixels, int width, int height) {
+    if (entry == nullptr) return -1;
     if (entry->initialized) return 0;
     entry->initialized = 1;
     glGetString(GL_VERSION);

@@ -45,7 +45,8 @@ constexpr int kMagicMaxCapacity = 16;
 
 extern "C" {
 // Makes the texture, depth renderbuffer and framebuffer of one entry.
-// 0 on success or when pooling is off for this GPU, -1 when incomplete.
+// 0 on success or when pooling is off for this GPU, -1 when incomplete or
+// without an entry.
 IFC_API int initImageFBO(ImageFBO* entry, const void* pixels, int width, int height);
 }
 

@@ -1,6 +1,7 @@
 #include "render/pixel_uploads.h"
 
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -31,11 +32,12 @@ size_t unpackedByteCount(int width, int height, int bytesPerPixel) {
     return paddedRow * (static_cast<size_t>(height) - 1) + row;
 }
 
-// Truncated, and saturated where an int cannot hold the product.
+// height x 1.5 truncated toward zero, done in integers: the double product
+// of a height near the int limits does not fit back into an int.
 int previewRows(int height) {
-    double rows = height * 1.5;
-    if (rows >= static_cast<double>(INT_MAX)) return INT_MAX;
-    if (rows <= static_cast<double>(INT_MIN)) return INT_MIN;
+    const int64_t rows = static_cast<int64_t>(height) * 3 / 2;
+    if (rows > INT32_MAX) return INT32_MAX;
+    if (rows < INT32_MIN) return INT32_MIN;
     return static_cast<int>(rows);
 }
 

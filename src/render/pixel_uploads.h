@@ -14,7 +14,8 @@
 // the current GL_UNPACK_ALIGNMENT; 0 for empty sizes.
 size_t unpackedByteCount(int width, int height, int bytesPerPixel);
 
-// Rows of a camera frame with 4:2:0 semi-planar chroma: height x 1.5, truncated.
+// Rows of a camera frame with 4:2:0 semi-planar chroma: height x 1.5,
+// truncated, clamped to the int range.
 int previewRows(int height);
 // The frame as a GL_ALPHA texture of width x previewRows(height), nearest
 // filtering set after the upload.

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
+#include <limits>
+#include <vector>
 
 #include "engine/cpu/cpu_texture.h"
 #include "recording_filter.h"
@@ -98,6 +101,75 @@ TEST(CPUFilterTest, ExtraInputsBecomeImageParameters) {
     EXPECT_TRUE(sameImage(first.image, params.at("inputImageTexture2")->getImage()));
     EXPECT_TRUE(sameImage(second.image, params.at("inputImageTexture4")->getImage()));
     EXPECT_NE(first.image->data, params.at("inputImageTexture2")->getImage()->data) << "held as a copy";
+}
+
+// Handing a holder back what it holds: the copy must be taken before the
+// old value is freed (ASan reports the use after free; without it the freed
+// bytes no longer match).
+TEST(CPUFilterTest, SettersGivenTheirOwnValueKeepIt) {
+    TestImage source(5, 3, 4, 0, 9);
+    shared_ptr<IHFTexture> texture = HFCPUTexture::createTexture(source.image);
+    texture->setImage(texture->image());
+    ASSERT_TRUE(texture->image());
+    EXPECT_TRUE(sameImage(source.image, texture->image()));
+
+    CPUImageParam image;
+    image.setImage(source.image);
+    image.setImage(image.getImage());
+    ASSERT_TRUE(image.getImage());
+    EXPECT_TRUE(sameImage(source.image, image.getImage()));
+
+    const float values[6] = {1.5f, -2, 3, 4, 5, 6e7f};
+    CPUFloatArrayParam array;
+    array.assign(6, values);
+    array.assign(array.count(), array.getFloatArray());
+    ASSERT_EQ(6, array.count());
+    EXPECT_EQ(std::vector<float>(values, values + 6), std::vector<float>(array.getFloatArray(), array.getFloatArray() + 6));
+}
+
+TEST(CPUFilterTest, NumericParametersSaturateInsteadOfOverflowing) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const struct {
+        float value;
+        int expected;
+    } cases[] = {{2.9f, 2}, {-2.9f, -2}, {3e9f, INT32_MAX}, {-3e9f, INT32_MIN}, {1e38f, INT32_MAX},
+                 {std::numeric_limits<float>::infinity(), INT32_MAX}, {nan, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.value);
+        EXPECT_EQ(c.expected, CPUFloatParam(c.value).getInt());
+        CPUIntParam integer;
+        integer.setFloat(c.value);
+        EXPECT_EQ(c.expected, integer.getInt());
+    }
+}
+
+// One copy per frame: the copy is the output's image, made into the previous
+// output's buffer once nobody else holds that texture; a texture still held
+// keeps its pixels, and a new layout gets a buffer of its own size.
+TEST(CPUFilterTest, RenderCopiesOnceIntoTheFreedPreviousBuffer) {
+    shared_ptr<IHFFilter> filter = HFCPUFilter::createFilter("Curve2D");
+    TestImage first(4, 3, 4, 0, 1), second(4, 3, 4, 0, 50), wide(6, 3, 4, 0, 90);
+    auto renderFrom = [&](const TestImage& frame) {
+        filter->setInputTexture(HFCPUTexture::createTexture(frame.image), 0);
+        filter->render(nullptr);
+        return filter->outputTexture()->image();
+    };
+
+    const unsigned char* buffer = renderFrom(first)->data;
+    const _Image* reused = renderFrom(second);
+    EXPECT_EQ(buffer, reused->data);
+    EXPECT_TRUE(sameImage(second.image, reused));
+
+    shared_ptr<IHFTexture> held = filter->outputTexture();
+    const _Image* fresh = renderFrom(first);
+    EXPECT_NE(buffer, fresh->data);
+    EXPECT_TRUE(sameImage(first.image, fresh));
+    EXPECT_TRUE(sameImage(second.image, held->image())) << "a held output keeps its frame";
+    held.release();
+
+    const _Image* resized = renderFrom(wide);
+    EXPECT_TRUE(sameImage(wide.image, resized));
+    EXPECT_EQ(6, filter->outputTextureSize().width);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "recording_filter.h"
 
 namespace {
@@ -53,9 +55,10 @@ TEST_F(FilterObjectTest, RelationReplacesALinkedSlotAndAddsAFreeOne) {
 TEST_F(FilterObjectTest, OutOfRangeMapsFollowTheUnsignedRules) {
     shared_ptr<HFFilterObject> composite = chain();
     const Lists chained = composite->outputWiring();
-    const int ignored[][2] = {{5, 0}, {3, 0}, {0, -2}, {0, 4}};
+    const int ignored[][2] = {{5, 0}, {3, 0}, {0, -2}, {0, 4}, {INT32_MIN, 0}, {-5, 0}};
     for (const auto& map : ignored) composite->addMap(map[0], map[1], 0);
     EXPECT_EQ(chained, composite->outputWiring());
+    for (int input = 0; input < 4; ++input) EXPECT_TRUE(composite->inputWiring(input).empty());
 
     // One past the last child is stored, and skipped when rendering.
     composite->addMap(0, 3, 0);
@@ -131,6 +134,29 @@ TEST_F(FilterObjectTest, EmptyCompositeIsANoOp) {
     composite->clearMemoryData();
     EXPECT_FALSE(composite->outputTexture());
     EXPECT_FALSE(composite->getInputTexture(0));
+}
+
+// An empty child handle keeps its index (relations still address the others)
+// and is skipped by every operation, first, middle or last.
+TEST_F(FilterObjectTest, EmptyChildHandlesAreSkipped) {
+    for (int gap = 0; gap < 3; ++gap) {
+        SCOPED_TRACE(gap);
+        journal.clear();
+        shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
+        for (int i = 0; i < 3; ++i) {
+            const std::string name(1, static_cast<char>('A' + i));
+            composite->addFilter(i == gap ? shared_ptr<IHFFilter>() : RecordingFilter::make(name, &journal));
+        }
+        _Image image = {};
+        composite->setProperty("x", 1.0f);
+        composite->render(&image);
+        composite->readOutput(&image);
+        composite->clearMemoryData();
+        composite->setFilterFBO();
+        EXPECT_EQ(gap == 2, !composite->outputTexture());
+        EXPECT_EQ(2u, std::count_if(journal.begin(), journal.end(),
+                                    [](const std::string& line) { return line.find("render") != std::string::npos; }));
+    }
 }
 
 TEST_F(FilterObjectTest, ChildrenAreDestroyedInOrderWithTheComposite) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "gl/gl_test_support.h"
+#include "jni/guarded_buffer.h"
 #include "support/gl_fixture.h"
 
 namespace {
@@ -99,6 +100,39 @@ TEST_F(TextureTest, SetImageUploadsByChannelCountOnUnitThree) {
     }
     glActiveTexture(GL_TEXTURE0);
     EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError());
+}
+
+// Each image ends at an unreadable page. GL reads more than the image holds
+// where a three-channel image goes up as RGBA, and where the caller's unpack
+// alignment pads short luminance rows: those uploads come from a zero-padded
+// copy. The bytes that exist reach the texture as they are; the caller's
+// alignment is left alone.
+TEST_F(TextureTest, UploadsNeverReadPastTheImage) {
+    const struct {
+        int channels;
+        int alignment;
+    } cases[] = {{3, 4}, {3, 1}, {1, 4}, {2, 4}, {2, 8}, {4, 4}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.channels << " channels, alignment " << c.alignment);
+        const int width = 3, height = 2;
+        GuardedBuffer pixels(static_cast<size_t>(width * height * c.channels));
+        pixels.randomize(static_cast<uint32_t>(c.channels));
+        _Image* image = create_image_header(width, height, static_cast<unsigned int>(c.channels), width * c.channels);
+        image->data = pixels.data();
+        glPixelStorei(GL_UNPACK_ALIGNMENT, c.alignment);
+        shared_ptr<HFGLTexture> texture = HFGLTexture::createTexture(image, defaultTextureOptions);
+        free_image_header(&image);
+        EXPECT_EQ(c.alignment, glInteger(GL_UNPACK_ALIGNMENT));
+        EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError());
+        if (c.channels >= 3) {
+            // RGBA texels over the image's bytes, zeros where they run out.
+            std::vector<unsigned char> expected(pixels.data(), pixels.data() + pixels.size());
+            expected.resize(static_cast<size_t>(width * height * 4), 0);
+            EXPECT_EQ(expected, readTexture(texture->glTexture(), width, height));
+        }
+    }
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glActiveTexture(GL_TEXTURE0);
 }
 
 }  // namespace

@@ -164,4 +164,22 @@ TEST_F(BaseFilteRenderTest, ProgramBuildFailures) {
     EXPECT_EQ(GL_TRUE, deleted);
 }
 
+// Handing a source setter the text it already holds (what the getter
+// returned) must copy before freeing; a null source keeps what is stored.
+TEST_F(BaseFilteRenderTest, SourceSettersTakeTheirOwnTextAndNull) {
+    BaseFilteRender render(GL_TEXTURE_2D);
+    render.setFragmentShaderSource(kCopyFragment);
+    render.setFragmentShaderSource(render.fragmentShaderSource());
+    render.setVertexShaderSource(render.vertexShaderSource());  // the default text
+    render.setVertexShaderSource(render.vertexShaderSource());  // its own copy
+    render.setFragmentShaderSource(nullptr);
+    render.setVertexShaderSource(nullptr);
+    EXPECT_STREQ(kCopyFragment, render.fragmentShaderSource());
+    EXPECT_STREQ(kDefaultVertexShader, render.vertexShaderSource());
+    EXPECT_NE(kDefaultVertexShader, render.vertexShaderSource()) << "a stored copy";
+    ASSERT_EQ(1, render.InitializeGLProgram());
+    ScopedTexture texture(2, 2, quadrantTexels().data());
+    EXPECT_EQ(quadrantCorners(), renderCorners(render, texture.name()));
+}
+
 }  // namespace

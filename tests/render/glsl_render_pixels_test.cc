@@ -25,14 +25,13 @@ TEST(Tiles, CountsFitTheLimitAndLastTileTakesRemainder) {
     EXPECT_FALSE(tileRect(1001, 10, 0, 0, 0, 1, &tile));
 }
 
-// A camera frame's rows: height x 1.5 truncated, saturated for heights
-// whose product an int cannot hold (then no array is long enough).
-TEST(PreviewRows, TruncatesAndSaturates) {
-    EXPECT_EQ(720, previewRows(480));
-    EXPECT_EQ(4, previewRows(3));
-    EXPECT_EQ(-4, previewRows(-3));
-    EXPECT_EQ(INT_MAX, previewRows(INT_MAX));
-    EXPECT_EQ(INT_MIN, previewRows(INT_MIN));
+// Java's height of a preview frame, times 1.5 truncated toward zero, in
+// integers: near the int limits the product saturates instead of an
+// undefined cast.
+TEST(PreviewRows, HeightTimesOneAndAHalfClampedToInt) {
+    const int heights[] = {0, 3, 720, -3, INT32_MAX, INT32_MIN, 1431655765};
+    const int rows[] = {0, 4, 1080, -4, INT32_MAX, INT32_MIN, INT32_MAX};
+    for (size_t i = 0; i < sizeof heights / sizeof heights[0]; ++i) EXPECT_EQ(rows[i], previewRows(heights[i])) << i;
 }
 
 // An empty frame divides by zero in float: a ring slot that held counts is an

@@ -50,12 +50,26 @@ TEST_F(MagicEngineTest, PoolKeyedBySizeWithMoveToFrontAndLruEviction) {
     EXPECT_EQ(0, currentInt(GL_FRAMEBUFFER_BINDING));
 }
 
-TEST_F(MagicEngineTest, CheckRebuildsAnEngineWhoseProgramIsGone) {
+// The entries' names are released with a lost program too, as long as each
+// framebuffer still holds its own attachments; a framebuffer whose names now
+// mean something else is forgotten, not deleted.
+TEST_F(MagicEngineTest, CheckRebuildsAnEngineWhoseProgramIsGoneAndReleasesItsEntries) {
     ASSERT_EQ(1, magicEngineInit(4, 1));
     GLuint lost = magicEngineAt(1)->program;
-    magicCreate(magicEngineAt(1), 4, 4);
+    const ImageFBO entry = *magicCreate(magicEngineAt(1), 4, 4);
+    ImageFBO* other = magicCreate(magicEngineAt(1), 2, 2);
+    const ImageFBO foreign = *other;
     EXPECT_EQ(1, magicEngineCheck(4, 1));
     EXPECT_EQ(lost, magicEngineAt(1)->program);
+
+    // The 2x2 entry's framebuffer now carries someone else's texture.
+    GLuint stranger = 0;
+    glGenTextures(1, &stranger);
+    glBindTexture(GL_TEXTURE_2D, stranger);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 2, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glBindFramebuffer(GL_FRAMEBUFFER, foreign.framebuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, stranger, 0);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
 
     glDeleteProgram(lost);
     glUseProgram(0);
@@ -64,8 +78,18 @@ TEST_F(MagicEngineTest, CheckRebuildsAnEngineWhoseProgramIsGone) {
     EXPECT_TRUE(glIsProgram(rebuilt->program));
     EXPECT_EQ(9, rebuilt->capacity);
     EXPECT_TRUE(rebuilt->entries.empty());
+    EXPECT_FALSE(glIsTexture(entry.texture) || glIsFramebuffer(entry.framebuffer) ||
+                 glIsRenderbuffer(entry.renderbuffer));
+    EXPECT_TRUE(glIsTexture(foreign.texture) && glIsFramebuffer(foreign.framebuffer) && glIsTexture(stranger));
+    EXPECT_EQ(0, currentInt(GL_FRAMEBUFFER_BINDING));
     EXPECT_EQ(GL_NO_ERROR, glGetError());
+    GLuint leftovers[] = {foreign.texture, stranger};
+    glDeleteTextures(2, leftovers);
+    glDeleteFramebuffers(1, &foreign.framebuffer);
+    glDeleteRenderbuffers(1, &foreign.renderbuffer);
 }
+
+TEST_F(MagicEngineTest, InitImageFBOWithoutAnEntryFails) { EXPECT_EQ(-1, initImageFBO(nullptr, nullptr, 4, 4)); }
 
 TEST_F(MagicEngineTest, CheckGlErrorConsumesTheError) {
     EXPECT_TRUE(checkGlError("clean"));

@@ -45,17 +45,42 @@ void HFCPUFilter::setProperty(const char*, float) {}
 
 void HFCPUFilter::setFilterFBO() {}
 
-// Works on a private copy of input 0's image. Without a CPU image there
-// (empty slot, or a GL texture) nothing is rendered and the output stays.
+namespace {
+
+bool sameLayout(const _Image& a, const _Image& b) {
+    return a.width == b.width && a.height == b.height && a.channels == b.channels && a.stride == b.stride;
+}
+
+// The image of the previous output when nobody but the filter holds that
+// texture any more and the new frame has the same layout; null otherwise.
+_Image* reclaimImage(shared_ptr<IHFTexture>& output, const _Image& layout) {
+    if (output.use_count() != 1) return nullptr;
+    auto* texture = dynamic_cast<HFCPUTexture*>(output.get());
+    _Image* image = texture != nullptr ? texture->image() : nullptr;
+    if (image == nullptr || image->data == nullptr || !sameLayout(*image, layout)) return nullptr;
+    return texture->releaseImage();
+}
+
+}  // namespace
+
+// Works on a private copy of input 0's image, made once per frame; the copy
+// becomes the new output texture's image as it is. Its buffer is the previous
+// output's when that texture is no longer held elsewhere. Without a CPU image
+// at input 0 (empty slot, or a GL texture) nothing is rendered and the output
+// stays.
 void HFCPUFilter::render(_Image*) {
     shared_ptr<IHFTexture> input = inputs[0];
     _Image* source = input ? input->image() : nullptr;
-    _Image* working = copyOfImage(source);
-    if (working == nullptr) return;
+    if (source == nullptr || source->data == nullptr) return;
+    _Image* working = reclaimImage(output, *source);
+    if (working != nullptr) {
+        copy_image(working, source);
+    } else {
+        working = copyOfImage(source);
+        if (working == nullptr) return;
+    }
     if (function != nullptr) function(working, HFCPUParamMap(params));
-    output = HFCPUTexture::createTexture(working);
-    // The output holds its own copy, so the working image is freed here.
-    free_image(&working);
+    output = HFCPUTexture::adoptImage(working);
 }
 
 void HFCPUFilter::setFrameBufferBlendMode(int, int) {}

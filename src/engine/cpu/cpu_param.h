@@ -3,6 +3,7 @@
 #ifndef IFC_ENGINE_CPU_CPU_PARAM_H
 #define IFC_ENGINE_CPU_CPU_PARAM_H
 
+#include "engine/saturating_cast.h"
 #include "image_filter/image.h"
 
 class IFC_API ICPUInnerParam {
@@ -27,7 +28,8 @@ public:
     int getInt() override { return value; }
     void setInt(int v) override { value = v; }
     float getFloat() override { return static_cast<float>(value); }
-    void setFloat(float v) override { value = static_cast<int>(v); }
+    // Out-of-range values saturate instead of being undefined.
+    void setFloat(float v) override { value = saturatingTruncate(v); }
 
 private:
     int32_t value;
@@ -36,7 +38,7 @@ private:
 class IFC_API CPUFloatParam : public ICPUInnerParam {
 public:
     explicit CPUFloatParam(float value = 0.0f) : value(value) {}
-    int getInt() override { return static_cast<int>(value); }
+    int getInt() override { return saturatingTruncate(value); }
     void setInt(int v) override { value = static_cast<float>(v); }
     float getFloat() override { return value; }
     void setFloat(float v) override { value = v; }

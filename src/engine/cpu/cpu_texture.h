@@ -13,13 +13,19 @@ public:
     HFCPUTexture& operator=(const HFCPUTexture&) = delete;
 
     static shared_ptr<IHFTexture> createTexture(_Image* image);
+    // Takes ownership of image (no copy); it is freed with the texture.
+    static shared_ptr<IHFTexture> adoptImage(_Image* image);
 
     HFSize size() const { return imageSize; }
     void setImage(_Image* source) override;
     _Image* image() override { return pixels; }
+    // Hands the held image to the caller; the texture is left empty.
+    _Image* releaseImage();
     void* userData() override { return nullptr; }
 
 private:
+    HFCPUTexture() : imageSize{0, 0}, pixels(nullptr) {}
+
     HFSize imageSize;
     _Image* pixels;
 };

@@ -18,7 +18,7 @@ public:
     // an earlier call read.
     void parse(tinyxml2::XMLElement* element) override;
     // A CPU filter when preferred, else the GL filter of the description
-    // "filter/gl/<implement>.xml"; empty (and logged) when that description
+    // "filter/gl/<implement>.xml"; empty when that description
     // has no shaders. Parameters are applied in declaration order.
     shared_ptr<IHFFilter> createFilter() override;
 

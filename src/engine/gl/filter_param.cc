@@ -123,5 +123,11 @@ void HFImageParam::apply(IHFFilter* filter, const std::string& packageName) {
     // A missing file hands a null image on; the filter copes with it.
     _Image* image = HFResourceLoader_loadRGBAResource(path.c_str());
     filter->setInputTextureImage(image, index);
-    free_image(&image);
+    // A header (no allocated size) borrows its pixels, e.g. from a bitmap the
+    // bundle bound: only the record is ours to free.
+    if (image != nullptr && image->size == 0) {
+        free_image_header(&image);
+    } else {
+        free_image(&image);
+    }
 }

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "engine/gl/matrix3.h"
+#include "engine/saturating_cast.h"
+#include "jni/log.h"
 
 namespace {
 
@@ -25,6 +27,18 @@ HFSize sizeOfTexture(IHFTexture* texture) {
 unsigned char toCurveByte(float value) {
     if (!(value > -2147483648.0f && value < 2147483648.0f)) return 0;
     return static_cast<unsigned char>(static_cast<int32_t>(value));
+}
+
+// A target GL can make: no negative side, none beyond the texture,
+// renderbuffer or viewport limits. A zero side is allowed (nothing is drawn).
+bool targetFits(HFSize size) {
+    GLint textureLimit = 0, renderbufferLimit = 0, viewportLimits[2] = {0, 0};
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &textureLimit);
+    glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &renderbufferLimit);
+    glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewportLimits);
+    const int32_t limit = std::min(textureLimit, renderbufferLimit);
+    return size.width >= 0 && size.height >= 0 && size.width <= limit && size.height <= limit &&
+           size.width <= viewportLimits[0] && size.height <= viewportLimits[1];
 }
 
 bool holdsTexture(const shared_ptr<IHFTexture>& texture) { return texture.use_count() >= 1; }
@@ -140,14 +154,27 @@ shared_ptr<IHFTexture> HFGLFilter::getInputTexture(int index) {
 
 void HFGLFilter::setProperty(const char*, float) {}
 
-void HFGLFilter::setFilterFBO() {
-    if (fbo.use_count() < 1) createFBO(sizeOfFBO());
+void HFGLFilter::setFilterFBO() { bindTarget(); }
+
+// False when the target is missing because GL cannot make one of the size
+// asked for: that render fails (logged) and draws nothing.
+bool HFGLFilter::bindTarget() {
+    if (fbo.use_count() < 1) {
+        const HFSize size = sizeOfFBO();
+        if (!targetFits(size)) {
+            log_printE("GL filter: no %dx%d target can be made, nothing rendered", size.width, size.height);
+            return false;
+        }
+        createFBO(size);
+    }
     fbo->bind();
+    return true;
 }
 
 void HFGLFilter::render(_Image* image) {
     prepare();
     setFilterFBO();
+    if (!fbo) return;
     glClearColor(0, 0, 0, 0);
     glClear(GL_COLOR_BUFFER_BIT);
     if (preRenderHook != nullptr) preRenderHook(this);
@@ -183,22 +210,28 @@ HFSize HFGLFilter::outputTextureSize() {
     matrix3Multiply(m, baseMatrix, transformMatrix);
     const float w = static_cast<float>(inputSize.width);
     const float h = static_cast<float>(inputSize.height);
-    return HFSize{static_cast<int32_t>(fabsf(w * m[0] + h * m[3] + m[6])),
-                  static_cast<int32_t>(fabsf(w * m[1] + h * m[4] + m[7]))};
+    return HFSize{saturatingTruncate(fabsf(w * m[0] + h * m[3] + m[6])),
+                  saturatingTruncate(fabsf(w * m[1] + h * m[4] + m[7]))};
 }
 
 shared_ptr<IHFTexture> HFGLFilter::outputTexture() { return output; }
 
 void HFGLFilter::readOutput(_Image* image) {
     setFilterFBO();
-    readPixelsInto(image);
+    if (fbo) readPixelsInto(image);
 }
 
 // Reads only into a 4-channel image whose rows can hold the read-back rows.
 void HFGLFilter::readPixelsInto(_Image* image) {
     if (image == nullptr || image->data == nullptr || image->channels != 4) return;
-    if (image->width <= 0 || image->height <= 0 || image->stride < image->width * 4) return;
+    if (image->width <= 0 || image->height <= 0 || image->stride / 4 < image->width) return;
+    // RGBA rows are whole words: alignments up to 4 write them tightly, 8
+    // would pad odd widths past the image's rows. The caller's value returns.
+    GLint alignment = 4;
+    glGetIntegerv(GL_PACK_ALIGNMENT, &alignment);
+    if (alignment > 4) glPixelStorei(GL_PACK_ALIGNMENT, 4);
     glReadPixels(0, 0, image->width, image->height, GL_RGBA, GL_UNSIGNED_BYTE, image->data);
+    if (alignment > 4) glPixelStorei(GL_PACK_ALIGNMENT, alignment);
 }
 
 void HFGLFilter::clearMemoryData() {
@@ -279,8 +312,8 @@ void HFGLFilter::updateMatrix() {
 
 HFSize HFGLFilter::sizeOfFBO() {
     const HFSize size = outputTextureSize();
-    return HFSize{static_cast<int32_t>(size.width * outputScaleFactor),
-                  static_cast<int32_t>(size.height * outputScaleFactor)};
+    return HFSize{saturatingTruncate(static_cast<float>(size.width) * outputScaleFactor),
+                  saturatingTruncate(static_cast<float>(size.height) * outputScaleFactor)};
 }
 
 void HFGLFilter::createFBO(HFSize size) {

@@ -103,6 +103,7 @@ public:
 
 private:
     void initialise();
+    bool bindTarget();
     void loadProgram(int pass, const char* vertexSource, const char* fragmentSource);
     // Makes program 0 current and returns the uniform's location in it.
     GLint uniformInProgramZero(const char* name);

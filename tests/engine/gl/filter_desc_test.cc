@@ -6,6 +6,7 @@
 #include <map>
 
 #include "engine/cpu/cpu_filter.h"
+#include "engine/filter_model_node.h"
 #include "engine/filter_wraper.h"
 #include "engine/gl/filter_desc_node.h"
 #include "engine/gl/gl_filter.h"
@@ -215,6 +216,116 @@ TEST_F(FilterDescTest, ThousandWrapperCyclesLeaveNoGLObjectsBehind) {
     glDeleteTextures(1, &input);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glActiveTexture(GL_TEXTURE0);
+}
+
+// Runs a package on a 1x1 texture and returns the output pixel (empty when
+// the package gives no output). The swap shader exchanges red and blue, so a
+// package whose model gained a second swap shows the input unchanged.
+std::vector<unsigned char> renderPackage(const std::string& name) {
+    const std::vector<unsigned char> pixel = {10, 20, 30, 255};
+    const GLuint input = gltest::makeTexture(1, 1, pixel.data());
+    std::vector<unsigned char> result;
+    {
+        HFFilterWraper wraper(name.c_str());
+        wraper.renderTexture(static_cast<int>(input), 1, 1);
+        if (const GLint output = wraper.outputTexture()) result = gltest::readTexture(output, 1, 1);
+    }
+    glDeleteTextures(1, &input);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glActiveTexture(GL_TEXTURE0);
+    return result;
+}
+
+const std::vector<unsigned char> kSwapped = {30, 20, 10, 255};
+
+// An included element is parsed into the shared node of its package, so a
+// designer can make a package contain itself, directly or through another.
+// Such an element is refused whole and logged on every request; the shared
+// packages are left exactly as they were and still render.
+TEST_F(FilterDescTest, PackagesThatWouldContainThemselvesFailAndLeaveTheOthersIntact) {
+    describe("selfswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
+    write("filter/self_a/filter.xml", "<model><filter implement='selfswap'/></model>");
+    write("filter/self_b/filter.xml", "<model><filter include='self_a'><filter include='self_a'/></filter></model>");
+    write("filter/self_e/filter.xml", "<model><filter include='self_a'/></model>");
+    write("filter/self_d/filter.xml", "<model><filter include='self_a'><filter include='self_e'/></filter></model>");
+    write("filter/self_f/filter.xml", "<model><filter include='self_f'/></model>");
+    for (const char* name : {"self_b", "self_d", "self_f"}) {
+        SCOPED_TRACE(name);
+        for (int request = 1; request <= 2; ++request) {
+            std::vector<unsigned char> output;
+            const std::string log = captureStderr([&] { output = renderPackage(name); });
+            EXPECT_TRUE(output.empty());
+            EXPECT_NE(std::string::npos, log.find(std::string("filter package ") + name)) << log;
+            EXPECT_EQ(request, bundle.reads["filter/" + std::string(name) + "/filter.xml"]) << "not cached";
+        }
+    }
+    EXPECT_EQ(kSwapped, renderPackage("self_a"));
+    EXPECT_EQ(kSwapped, renderPackage("self_e"));
+
+    // A graph assembled by hand is refused when built, not recursed into.
+    shared_ptr<HFFilterModelNode> loop(new HFFilterModelNode(HFFilterNodeSource{nullptr, nullptr}));
+    loop->children.push_back(loop);
+    shared_ptr<IHFFilter> built;
+    const std::string log = captureStderr([&] { built = loop->createFilter(); });
+    EXPECT_FALSE(built);
+    EXPECT_NE(std::string::npos, log.find("contains itself"));
+    loop->children.clear();
+}
+
+// A broken package is not cached: each request reads it again and logs, so a
+// fixed file is picked up at once. An element refused for a broken relation
+// changes no shared package, however often it is asked for.
+TEST_F(FilterDescTest, FailedPackagesAreReadAgainUntilTheyBuild) {
+    describe("fixswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
+    write("filter/fix_shared/filter.xml", "<model><filter implement='fixswap'/></model>");
+    write("filter/fix_broken/filter.xml", "<model><filter implement='fixswap'></model>");
+    write("filter/fix_outer/filter.xml", "<model><filter include='fix_missing'/></model>");
+    write("filter/fix_partial/filter.xml",
+          "<model><filter include='fix_shared'><filter implement='fixswap'/></filter>"
+          "<relation output='0' input='1'/></model>");
+    for (int request = 1; request <= 3; ++request) {
+        SCOPED_TRACE(request);
+        for (const char* name : {"fix_broken", "fix_outer", "fix_partial"}) {
+            std::vector<unsigned char> output;
+            const std::string log = captureStderr([&] { output = renderPackage(name); });
+            EXPECT_TRUE(output.empty()) << name;
+            EXPECT_NE(std::string::npos, log.find(std::string("filter package ") + name)) << log;
+        }
+        EXPECT_EQ(request, bundle.reads["filter/fix_broken/filter.xml"]);
+        EXPECT_EQ(request, bundle.reads["filter/fix_missing/filter.xml"]);
+        EXPECT_EQ(kSwapped, renderPackage("fix_shared")) << "still one swap";
+    }
+    write("filter/fix_broken/filter.xml", "<model><filter implement='fixswap'/></model>");
+    write("filter/fix_missing/filter.xml", "<filter implement='fixswap'/>");
+    EXPECT_EQ(kSwapped, renderPackage("fix_broken"));
+    EXPECT_EQ(kSwapped, renderPackage("fix_outer"));
+    renderPackage("fix_broken");
+    EXPECT_EQ(4, bundle.reads["filter/fix_broken/filter.xml"]) << "cached once built";
+}
+
+// A bundle may answer an image request with a header over pixels it keeps
+// (a bound bitmap): the parameter frees only the header, the pixels stay the
+// bundle's and reach the filter's input as they are.
+TEST_F(FilterDescTest, BorrowedParameterImagesAreNotFreed) {
+    struct BorrowingBundle : CountingBundle {
+        using CountingBundle::CountingBundle;
+        _Image* loadRGBA(const char*) override {
+            _Image* header = create_image_header(1, 1, 4, 4);
+            header->data = pixel;
+            return header;
+        }
+        unsigned char pixel[4] = {1, 2, 3, 4};
+    } borrowing{root};
+    HFResourceLoader_setProvider(&borrowing);
+    describe("borrowswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
+    shared_ptr<IHFFilter> filter = leaf("<filter implement='borrowswap'>" + param("1", "image", "grain.png") + "</filter>",
+                                        "borrow1")
+                                       ->createFilter();
+    ASSERT_TRUE(filter);
+    HFSize size = static_cast<HFGLTexture*>(filter->getInputTexture(1).get())->size();
+    EXPECT_EQ(HFSize({1, 1}), size);
+    EXPECT_EQ((std::vector<unsigned char>{1, 2, 3, 4}), std::vector<unsigned char>(borrowing.pixel, borrowing.pixel + 4));
+    HFResourceLoader_setProvider(&bundle);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "engine/gl/gl_filter_fbo.h"
 #include "engine/gl/gl_filter_program.h"
 #include "gl_test_support.h"
+#include "jni/guarded_buffer.h"
 #include "jni/capture_stderr.h"
 #include "support/gl_fixture.h"
 
@@ -181,6 +182,29 @@ TEST_F(HFGLFilterTest, RendersExactPixelsAndKeepsThemInTheOutput) {
     free_image(&out);
 }
 
+// Under a caller's pack alignment of 8, odd-width RGBA rows would be padded
+// past the image's tight rows; the read-back writes exactly the image's bytes
+// (it ends at an unreadable page) and leaves the caller's alignment.
+TEST_F(HFGLFilterTest, ReadBackWritesOnlyTheImageRowsWhateverThePackAlignment) {
+    std::vector<unsigned char> bytes(24);
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<unsigned char>(10 * i);
+    _Image* input = gltest::makeRGBA(3, 2, bytes);
+    shared_ptr<HFGLFilter> filter = HFGLFilter::createFilter(kSwapFragment, kVertex);
+    filter->setInputTextureImage(input, 0);
+    free_image(&input);
+    GuardedBuffer pixels(24);
+    _Image* out = create_image_header(3, 2, 4, 12);
+    out->data = pixels.data();
+    glPixelStorei(GL_PACK_ALIGNMENT, 8);
+    filter->render(out);
+    EXPECT_EQ(8, glInteger(GL_PACK_ALIGNMENT));
+    for (size_t i = 0; i < bytes.size(); i += 4) std::swap(bytes[i], bytes[i + 2]);
+    EXPECT_EQ(bytes, bytesOf(out, 24));
+    glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    free_image_header(&out);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+}
+
 TEST_F(HFGLFilterTest, CurveBecomesAOneRowLuminanceInput) {
     shared_ptr<HFGLFilter> filter = HFGLFilter::createFilter(kSecondInputFragment, kVertex);
     filter->setInputTexture(blackTexture(4, 1), 0);
@@ -234,6 +258,52 @@ TEST_F(HFGLFilterTest, OutputSizeFollowsTheTransformMatrix) {
     filter->setInputTextureSize(HFSize{101, 101});
     filter->setOutputScale(0.5f);
     EXPECT_EQ(HFSize({50, 50}), filter->sizeOfFBO());
+}
+
+// Sizes come from Java as ints and scales as floats: every conversion to int
+// saturates, and a target GL cannot make fails the render (logged) without
+// touching GL or the caller's image; a later sane size renders again.
+TEST_F(HFGLFilterTest, AbsurdSizesSaturateAndFailTheRenderCleanly) {
+    const float nan = std::nanf("");
+    const struct {
+        HFSize input;
+        float scale;
+        HFSize fbo;
+    } cases[] = {
+        {{INT32_MAX, INT32_MAX}, 1.0f, {INT32_MAX, INT32_MAX}},
+        {{INT32_MIN, 4}, 1.0f, {INT32_MAX, 4}},
+        {{64, 64}, 1e30f, {INT32_MAX, INT32_MAX}},
+        {{64, 64}, -1e30f, {INT32_MIN, INT32_MIN}},
+        {{64, 64}, -1.0f, {-64, -64}},
+        {{64, 64}, nan, {0, 0}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.input.width << "x" << c.input.height << " * " << c.scale);
+        shared_ptr<HFGLFilter> filter = HFGLFilter::createFilter(kSwapFragment, kVertex);
+        filter->setInputTextureSize(c.input);
+        filter->setOutputScale(c.scale);
+        EXPECT_EQ(c.fbo, filter->sizeOfFBO());
+        _Image* out = create_image(2, 2, 4, 8);
+        memset(out->data, 0x5a, 16);
+        const std::string log = captureStderr([&] { filter->render(out); });
+        EXPECT_EQ(std::vector<unsigned char>(16, 0x5a), bytesOf(out, 16));
+        if (c.fbo.width != 0) {
+            EXPECT_NE(std::string::npos, log.find("nothing rendered"));
+            EXPECT_FALSE(filter->filterFBO());
+            EXPECT_EQ(GLenum(GL_NO_ERROR), glGetError());
+        }
+        // A zero-sized target is made and draws nothing, raising GL's own error.
+        while (glGetError() != GL_NO_ERROR) {
+        }
+
+        filter->setOutputScale(1.0f);
+        filter->setInputTextureImage(out, 0);
+        filter->render(out);
+        EXPECT_TRUE(filter->filterFBO());
+        EXPECT_EQ(HFSize({2, 2}), filter->sizeOfFBO());
+        free_image(&out);
+    }
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
 }
 
 }  // namespace
