@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "engine/filter_package.h"
+#include "engine/gl_frame_state.h"
 #include "engine/texture.h"
 
 HFFilterWraper::HFFilterWraper(const char* name) : filter(loadFilterPackage(name != nullptr ? name : "")) {}
@@ -21,12 +22,19 @@ shared_ptr<IHFFilter> HFFilterWraper::loadFilterPackage(std::string name) {
 }
 
 // Wrapping applies the default sampling options to the caller's texture; the
-// wrapper only borrows the name, so the texture outlives it.
+// wrapper only borrows the name, so the texture outlives it. A texture seen
+// last frame under the same name and size keeps its wrapper, and its options
+// are not applied again: a caller that deletes a texture and makes another
+// under the same name and size sets the new one's sampling itself.
 void HFFilterWraper::renderTexture(int texture, int width, int height) {
     if (!filter) return;
-    HFGLTextureOptions options = defaultTextureOptions;
-    shared_ptr<HFGLTexture> input = HFGLTexture::createTexture(static_cast<unsigned int>(texture), options);
-    input->resize(width, height);
+    const unsigned int name = static_cast<unsigned int>(texture);
+    if (!input || input->glTexture() != name || input->size() != HFSize{width, height}) {
+        input.release();
+        input = HFGLTexture::createTexture(name, defaultTextureOptions);
+        input->resize(width, height);
+    }
+    GLFrameState::Frame frame;
     filter->setInputTexture(input, 0);
     filter->setFilterFBO();
     filter->render(nullptr);

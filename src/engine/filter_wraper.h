@@ -5,6 +5,7 @@
 #include <string>
 
 #include "engine/filter.h"
+#include "engine/texture.h"
 
 class IFC_API HFFilterWraper {
 public:
@@ -26,6 +27,11 @@ public:
     bool hasFilter() const { return static_cast<bool>(filter); }
 
     shared_ptr<IHFFilter> filter;
+
+private:
+    // The caller's texture as wrapped last frame, kept while its name and
+    // size stay the same.
+    shared_ptr<HFGLTexture> input;
 };
 
 #endif  // IFC_ENGINE_FILTER_WRAPER_H

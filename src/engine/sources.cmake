@@ -5,6 +5,7 @@ target_sources(ifc_objects PRIVATE
   engine/filter_package.cc
   engine/filter_wraper.cc
   engine/filter_wraper_jni.cc
+  engine/gl_frame_state.cc
   engine/interfaces.cc
   engine/resource_loader.cc
   engine/texture.cc)

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "engine/gl/shader_decipher.h"
+#include "engine/gl_frame_state.h"
 #include "jni/log.h"
 
 namespace {
@@ -69,6 +70,8 @@ GLFilterProgram::~GLFilterProgram() {
     if (fragmentShader != 0) glDeleteShader(fragmentShader);
     if (program != 0) glDeleteProgram(program);
 }
+
+void GLFilterProgram::use() const { GLFrameState::useProgram(program); }
 
 shared_ptr<GLFilterProgram> GLFilterProgram::create(const char* vertexSource, const char* fragmentSource) {
     shared_ptr<GLFilterProgram> record(new GLFilterProgram());
