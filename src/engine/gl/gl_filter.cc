@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include "engine/gl/matrix3.h"
@@ -11,6 +10,10 @@
 
 namespace {
 
+// The full-screen quad, shared by every filter. Client-side arrays stay
+// enabled in the context after a filter is gone, so the pointers handed to
+// GL must outlive every filter: a later draw by other code may still read
+// them.
 const float kQuadTexCoords[8] = {0, 0, 1, 0, 0, 1, 1, 1};
 const float kQuadVertices[8] = {-1, -1, 1, -1, -1, 1, 1, 1};
 
@@ -55,8 +58,6 @@ void HFGLFilter::initialise() {
     clearMemoryData();
     output = HFGLTexture::createTexture(static_cast<_Image*>(nullptr), defaultTextureOptions);
     std::fill(std::begin(samplerLocs), std::end(samplerLocs), -1);
-    memcpy(texCoords, kQuadTexCoords, sizeof texCoords);
-    memcpy(vertices, kQuadVertices, sizeof vertices);
     matrix3Identity(baseMatrix);
     matrix3Identity(transformMatrix);
     outputScaleFactor = 1.0f;
@@ -172,10 +173,10 @@ void HFGLFilter::render(_Image* image) {
             }
         }
         if (positionAttribs[pass] >= 0) {
-            glVertexAttribPointer(positionAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, vertices);
+            glVertexAttribPointer(positionAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, kQuadVertices);
         }
         if (texCoordAttribs[pass] >= 0) {
-            glVertexAttribPointer(texCoordAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, texCoords);
+            glVertexAttribPointer(texCoordAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, kQuadTexCoords);
         }
         glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
     }

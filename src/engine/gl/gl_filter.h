@@ -120,8 +120,6 @@ private:
     GLint positionAttribs[kMaxPrograms] = {-1, -1, -1, -1, -1, -1};
     GLint texCoordAttribs[kMaxPrograms] = {-1, -1, -1, -1, -1, -1};
     GLint samplerLocs[kMaxInputs] = {-1, -1, -1, -1};
-    float texCoords[8];
-    float vertices[8];
     float rotation = 0.0f;
     float flipMode = 0.0f;
     // 3x3, row-major, for row vectors (translation in elements 6 and 7).
