@@ -12,6 +12,7 @@
 
 #include "engine/filter_wraper.h"
 #include "engine/gl/gl_filter.h"
+#include "engine/gl/gl_uniform_cache.h"
 #include "gl_test_support.h"
 #include "support/counting.h"
 #include "support/gl_fixture.h"
@@ -169,6 +170,42 @@ TEST_F(SteadyFrameTest, ChangedInputsAndValuesReachTheNextFrame) {
     const Cost same = costOf([&] { leaf->setFloat("amount", 0.0f); });
     EXPECT_EQ(0, same.gl.of(counting::k_glUniform1f) + same.gl.gets());
     EXPECT_EQ(0, engineFrame(scaled, white, 1, 1)[0]);
+}
+
+}  // namespace
+
+namespace {
+
+// What the per-program value cache lets through, step by step: equal bytes
+// of the same kind are held back; array and element writes may overlap, so
+// each makes the other's remembered values untrusted.
+TEST(UniformValueCacheTest, SendsOnlyWhatMayHaveChanged) {
+    const float one = 1.0f, two = 2.0f, four[4] = {1, 2, 3, 4};
+    struct Step {
+        const char* what;
+        GLint location;
+        GLenum kind;
+        const void* values;
+        size_t size;
+        bool send;
+    };
+    const Step steps[] = {
+        {"first value", 3, GL_FLOAT, &one, 4, true},
+        {"same value", 3, GL_FLOAT, &one, 4, false},
+        {"same bytes, other kind", 3, GL_INT, &one, 4, true},
+        {"array", 5, GL_FLOAT, four, 16, true},
+        {"same array", 5, GL_FLOAT, four, 16, false},
+        {"element write elsewhere", 6, GL_FLOAT, &two, 4, true},
+        {"array after an element write", 5, GL_FLOAT, four, 16, true},
+        {"element after an array write", 3, GL_INT, &one, 4, true},
+        {"missing uniform", -1, GL_FLOAT, &one, 4, false},
+        {"null values", 4, GL_FLOAT, nullptr, 4, true},
+        {"null values again", 4, GL_FLOAT, nullptr, 4, true},
+    };
+    GLUniformCache cache;
+    for (const Step& step : steps) {
+        EXPECT_EQ(step.send, cache.changed(step.location, step.kind, step.values, step.size)) << step.what;
+    }
 }
 
 }  // namespace
