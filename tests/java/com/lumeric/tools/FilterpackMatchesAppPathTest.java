@@ -25,7 +25,8 @@ import org.junit.jupiter.api.io.TempDir;
 /**
  * `filterpack render` must draw exactly what the app draws: the same sample
  * packages, once through the tool and once through the Java API the app uses
- * (QImage upload, FilterWraper, read-back), compared byte for byte.
+ * (QImage upload, FilterWraper for three frames, read-back), compared byte
+ * for byte.
  */
 class FilterpackMatchesAppPathTest {
     private static final int W = 24, H = 16;
@@ -43,7 +44,7 @@ class FilterpackMatchesAppPathTest {
         ImageIO.write(input, "png", inputPng);
         FilterEngineJNILib.setBundle(new DirectoryBundle(packages));
         try (HostGL gl = HostGL.create(64, 64); QImage image = DirectoryBundle.toQImage(input)) {
-            for (String name : new String[] {"mono", "film_grain", "dreamy", "fade_curve"}) {
+            for (String name : new String[] {"mono", "sepia", "fade_curve", "film_grain", "blur", "soft_glow", "dreamy"}) {
                 File toolPng = dir.resolve(name + ".png").toFile();
                 Process run = new ProcessBuilder(tool.toString(), "render", packages.toString(), name,
                         inputPng.toString(), toolPng.toString()).redirectErrorStream(true).start();
@@ -95,7 +96,9 @@ class FilterpackMatchesAppPathTest {
         int texture = 700;  // any unused name: GL ES creates it on first bind
         GLSLRender.nativeTextImage(image, texture);
         try (FilterWraper filter = new FilterWraper(name)) {
-            filter.render(texture, width, height);
+            // Frames after the first take the steady path (wrapper, locations,
+            // uniforms and bindings reused): they must draw what it drew.
+            for (int frame = 0; frame < 3; frame++) filter.render(texture, width, height);
             byte[] out = new byte[width * height * 4];
             GLSLRender.nativeCopyTexturToDataWithShare(filter.outputTexture(), out, width, height, 4);
             return out;
