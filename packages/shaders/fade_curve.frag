@@ -1,17 +1,13 @@
 precision mediump float;
 varying vec2 textureCoordinate;
 uniform sampler2D inputImageTexture;
-uniform float toneCurve[256];
+// The tone curve: 256x1, the entry for level k in texel k of every channel.
+uniform sampler2D inputImageTexture2;
 void main() {
     vec4 color = texture2D(inputImageTexture, textureCoordinate);
-    vec3 level = floor(clamp(color.rgb, 0.0, 1.0) * 255.0 + 0.5);
-    vec3 toned = vec3(0.0);
-    // GLSL ES 2.0 guarantees uniform array indexing by loop index only, so
-    // one pass over the curve picks the entry of each channel.
-    for (int k = 0; k < 256; k++) {
-        float entry = toneCurve[k];
-        vec3 hit = vec3(equal(level, vec3(float(k))));
-        toned += hit * entry;
-    }
-    gl_FragColor = vec4(toned, color.a);
+    // Level k is read at the centre of texel k, (k + 0.5) / 256.
+    vec3 at = (floor(clamp(color.rgb, 0.0, 1.0) * 255.0 + 0.5) + 0.5) / 256.0;
+    gl_FragColor = vec4(texture2D(inputImageTexture2, vec2(at.r, 0.5)).r,
+                        texture2D(inputImageTexture2, vec2(at.g, 0.5)).g,
+                        texture2D(inputImageTexture2, vec2(at.b, 0.5)).b, color.a);
 }

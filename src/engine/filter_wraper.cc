@@ -6,6 +6,7 @@
 
 #include "engine/engine_problems.h"
 #include "engine/filter_package.h"
+#include "engine/gl_frame_state.h"
 #include "engine/texture.h"
 
 // Problems met while the package loads and its shaders compile are kept as
@@ -33,7 +34,10 @@ shared_ptr<IHFFilter> HFFilterWraper::loadFilterPackage(std::string name) {
 }
 
 // Wrapping applies the default sampling options to the caller's texture; the
-// wrapper only borrows the name, so the texture outlives it.
+// wrapper only borrows the name, so the texture outlives it. A texture seen
+// last frame under the same name and size keeps its wrapper, and its options
+// are not applied again: a caller that deletes a texture and makes another
+// under the same name and size sets the new one's sampling itself.
 void HFFilterWraper::renderTexture(int texture, int width, int height) {
     if (eglGetCurrentContext() == EGL_NO_CONTEXT) {
         reportProblem("render called on a thread without a current EGL context; nothing was drawn");
@@ -45,9 +49,13 @@ void HFFilterWraper::renderTexture(int texture, int width, int height) {
         params.applyPending();
         if (problems.count() > 0) problem = problems.summary();
     }
-    HFGLTextureOptions options = defaultTextureOptions;
-    shared_ptr<HFGLTexture> input = HFGLTexture::createTexture(static_cast<unsigned int>(texture), options);
-    input->resize(width, height);
+    const unsigned int name = static_cast<unsigned int>(texture);
+    if (!input || input->glTexture() != name || input->size() != HFSize{width, height}) {
+        input.release();
+        input = HFGLTexture::createTexture(name, defaultTextureOptions);
+        input->resize(width, height);
+    }
+    GLFrameState::Frame frame;
     filter->setInputTexture(input, 0);
     filter->setFilterFBO();
     filter->render(nullptr);

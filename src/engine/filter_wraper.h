@@ -6,6 +6,7 @@
 
 #include "engine/filter.h"
 #include "engine/runtime_params.h"
+#include "engine/texture.h"
 
 class IFC_API HFFilterWraper {
 public:
@@ -44,6 +45,9 @@ public:
 private:
     std::string packageName;
     std::string problem;
+    // The caller's texture as wrapped last frame, kept while its name and
+    // size stay the same.
+    shared_ptr<HFGLTexture> input;
 };
 
 #endif  // IFC_ENGINE_FILTER_WRAPER_H

@@ -7,6 +7,7 @@ target_sources(ifc_objects PRIVATE
   engine/filter_wraper.cc
   engine/filter_wraper_jni.cc
   engine/filter_wraper_params_jni.cc
+  engine/gl_frame_state.cc
   engine/interfaces.cc
   engine/resource_loader.cc
   engine/runtime_params.cc

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <vector>
+#include "engine/gl_frame_state.h"
 
 const HFGLTextureOptions defaultTextureOptions = {
     GL_LINEAR, GL_LINEAR, GL_CLAMP_TO_EDGE, GL_CLAMP_TO_EDGE, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE,
@@ -57,7 +58,11 @@ HFGLTexture::HFGLTexture(_Image* image, HFGLTextureOptions textureOptions)
 
 HFGLTexture::~HFGLTexture() {
     if (texture != 0) {
-        if (ownsTexture) glDeleteTextures(1, &texture);
+        if (ownsTexture) {
+            // Deleting unbinds the name from every unit.
+            glDeleteTextures(1, &texture);
+            GLFrameState::forgetTextures();
+        }
         texture = 0;
     }
 }

@@ -3,15 +3,19 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include "engine/gl/matrix3.h"
 #include "engine/saturating_cast.h"
 #include "jni/log.h"
+#include "engine/gl_frame_state.h"
 
 namespace {
 
+// The full-screen quad, shared by every filter. Client-side arrays stay
+// enabled in the context after a filter is gone, so the pointers handed to
+// GL must outlive every filter: a later draw by other code may still read
+// them.
 const float kQuadTexCoords[8] = {0, 0, 1, 0, 0, 1, 1, 1};
 const float kQuadVertices[8] = {-1, -1, 1, -1, -1, 1, 1, 1};
 
@@ -68,8 +72,6 @@ void HFGLFilter::initialise() {
     clearMemoryData();
     output = HFGLTexture::createTexture(static_cast<_Image*>(nullptr), defaultTextureOptions);
     std::fill(std::begin(samplerLocs), std::end(samplerLocs), -1);
-    memcpy(texCoords, kQuadTexCoords, sizeof texCoords);
-    memcpy(vertices, kQuadVertices, sizeof vertices);
     matrix3Identity(baseMatrix);
     matrix3Identity(transformMatrix);
     outputScaleFactor = 1.0f;
@@ -96,7 +98,7 @@ shared_ptr<HFGLFilter> HFGLFilter::createFilter(std::vector<std::string> fragmen
 
 void HFGLFilter::loadProgram(int pass, const char* vertexSource, const char* fragmentSource) {
     programs[pass] = GLFilterProgram::create(vertexSource, fragmentSource);
-    const GLFilterProgram& program = *programs[pass];
+    GLFilterProgram& program = *programs[pass];
     positionAttribs[pass] = program.attributeLocation("position");
     texCoordAttribs[pass] = program.attributeLocation("inputTextureCoordinate");
     // Pass i's sampler drives input i; only four inputs exist.
@@ -133,6 +135,8 @@ void HFGLFilter::setInputTextureSize(HFSize size) {
 
 void HFGLFilter::setInputTextureImage(_Image* image, int index) {
     setInputTexture(HFGLTexture::createTexture(image, defaultTextureOptions), index);
+    // The upload selected unit 3 and bound the new texture there.
+    GLFrameState::forgetTextures();
 }
 
 void HFGLFilter::setInputTexture(shared_ptr<IHFTexture> texture, int index) {
@@ -143,7 +147,7 @@ void HFGLFilter::setInputTexture(shared_ptr<IHFTexture> texture, int index) {
         // Input 0 falls back to "inputImageTexture1"; input k uses "inputImageTexture<k+1>".
         char name[64] = {0};
         snprintf(name, sizeof name, "inputImageTexture%d", index + 1);
-        samplerLocs[index] = uniformInProgramZero(name);
+        samplerLocs[index] = locationInProgramZero(name);
     }
 }
 
@@ -175,34 +179,42 @@ void HFGLFilter::render(_Image* image) {
     prepare();
     setFilterFBO();
     if (!fbo) return;
-    glClearColor(0, 0, 0, 0);
-    glClear(GL_COLOR_BUFFER_BIT);
-    if (preRenderHook != nullptr) preRenderHook(this);
+    GLFrameState::clearTransparent();
+    if (preRenderHook != nullptr) {
+        preRenderHook(this);
+        GLFrameState::forgetAll();
+    }
     for (int pass = 0; pass < passCount; ++pass) {
         if (!programs[pass]) continue;
-        programs[pass]->use();
+        GLFilterProgram& program = *programs[pass];
+        program.use();
         for (int k = 0; k < kMaxInputs; ++k) {
             if (!holdsTexture(inputs[k])) continue;
-            glActiveTexture(GL_TEXTURE0 + kFirstInputUnit + k);
-            glBindTexture(GL_TEXTURE_2D, glTextureNameOf(inputs[k].get()));
-            glUniform1i(samplerLocs[k], kFirstInputUnit + k);
+            const GLint unit = kFirstInputUnit + k;
+            GLFrameState::activeTexture(GL_TEXTURE0 + unit);
+            GLFrameState::bindTexture2D(glTextureNameOf(inputs[k].get()));
+            // Input k's location may come from another pass's program; it is
+            // set in this pass's program all the same.
+            if (program.uniforms.changed(samplerLocs[k], GL_INT, &unit, sizeof unit)) {
+                glUniform1i(samplerLocs[k], unit);
+            }
         }
         if (positionAttribs[pass] >= 0) {
-            glVertexAttribPointer(positionAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, vertices);
+            glVertexAttribPointer(positionAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, kQuadVertices);
         }
         if (texCoordAttribs[pass] >= 0) {
-            glVertexAttribPointer(texCoordAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, texCoords);
+            glVertexAttribPointer(texCoordAttribs[pass], 2, GL_FLOAT, GL_FALSE, 0, kQuadTexCoords);
         }
         glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
     }
-    glDisable(GL_BLEND);
+    GLFrameState::disableBlend();
     if (image != nullptr) readPixelsInto(image);
 }
 
 void HFGLFilter::setFrameBufferBlendMode(int source, int destination) {
     glBlendEquation(GL_FUNC_ADD);
     glBlendFunc(source, destination);
-    glEnable(GL_BLEND);
+    GLFrameState::enableBlend();
 }
 
 HFSize HFGLFilter::outputTextureSize() {
@@ -241,28 +253,60 @@ void HFGLFilter::clearMemoryData() {
 
 void HFGLFilter::cpuCodeSlot() {}
 
-GLint HFGLFilter::uniformInProgramZero(const char* name) {
+// Outside a frame program 0 is made current on every call, as setters
+// always did; inside one only when a value is sent.
+GLint HFGLFilter::locationInProgramZero(const char* name) {
     if (!programs[0]) return -1;
-    programs[0]->use();
+    if (!GLFrameState::inFrame()) programs[0]->use();
     return programs[0]->uniformLocation(name);
 }
 
-void HFGLFilter::setInt(const char* name, int value) { glUniform1i(uniformInProgramZero(name), value); }
+GLint HFGLFilter::uniformToSend(const char* name, GLenum kind, const void* values, size_t size) {
+    const GLint location = locationInProgramZero(name);
+    if (location < 0 || !programs[0]->uniforms.changed(location, kind, values, size)) return -1;
+    if (GLFrameState::inFrame()) programs[0]->use();
+    return location;
+}
 
-void HFGLFilter::setFloat(const char* name, float value) { glUniform1f(uniformInProgramZero(name), value); }
+namespace {
 
-void HFGLFilter::setVec2(const char* name, float* values) { glUniform2fv(uniformInProgramZero(name), 1, values); }
+size_t floatBytes(int count) { return count > 0 ? static_cast<size_t>(count) * sizeof(float) : 0; }
 
-void HFGLFilter::setVec3(const char* name, float* values) { glUniform3fv(uniformInProgramZero(name), 1, values); }
+}  // namespace
 
-void HFGLFilter::setVec4(const char* name, float* values) { glUniform4fv(uniformInProgramZero(name), 1, values); }
+void HFGLFilter::setInt(const char* name, int value) {
+    const GLint location = uniformToSend(name, GL_INT, &value, sizeof value);
+    if (location >= 0) glUniform1i(location, value);
+}
+
+void HFGLFilter::setFloat(const char* name, float value) {
+    const GLint location = uniformToSend(name, GL_FLOAT, &value, sizeof value);
+    if (location >= 0) glUniform1f(location, value);
+}
+
+void HFGLFilter::setVec2(const char* name, float* values) {
+    const GLint location = uniformToSend(name, GL_FLOAT_VEC2, values, floatBytes(2));
+    if (location >= 0) glUniform2fv(location, 1, values);
+}
+
+void HFGLFilter::setVec3(const char* name, float* values) {
+    const GLint location = uniformToSend(name, GL_FLOAT_VEC3, values, floatBytes(3));
+    if (location >= 0) glUniform3fv(location, 1, values);
+}
+
+void HFGLFilter::setVec4(const char* name, float* values) {
+    const GLint location = uniformToSend(name, GL_FLOAT_VEC4, values, floatBytes(4));
+    if (location >= 0) glUniform4fv(location, 1, values);
+}
 
 void HFGLFilter::setMatrix4(const char* name, float* values) {
-    glUniformMatrix4fv(uniformInProgramZero(name), 1, GL_FALSE, values);
+    const GLint location = uniformToSend(name, GL_FLOAT_MAT4, values, floatBytes(16));
+    if (location >= 0) glUniformMatrix4fv(location, 1, GL_FALSE, values);
 }
 
 void HFGLFilter::setFloatArray(const char* name, float* values, int count) {
-    glUniform1fv(uniformInProgramZero(name), count, values);
+    const GLint location = uniformToSend(name, GL_FLOAT, values, floatBytes(count));
+    if (location >= 0) glUniform1fv(location, count, values);
 }
 
 void HFGLFilter::setFloatArray(int index, float* values, int count) {
@@ -275,7 +319,8 @@ void HFGLFilter::setFloatArray(int index, float* values, int count) {
 }
 
 void HFGLFilter::setVec2Array(const char* name, float* values, int count) {
-    glUniform2fv(uniformInProgramZero(name), count, values);
+    const GLint location = uniformToSend(name, GL_FLOAT_VEC2, values, floatBytes(2 * count));
+    if (location >= 0) glUniform2fv(location, count, values);
 }
 
 float HFGLFilter::getProperty(const char*) { return 0.0f; }
@@ -323,6 +368,8 @@ void HFGLFilter::createFBO(HFSize size) {
     fbo = GLFilterFBO::create();
     fbo->attach(output);
     fbo->setSize(size.width, size.height);
+    // The resize and the attachment selected units and bound textures.
+    GLFrameState::forgetTextures();
 }
 
 void HFGLFilter::destoryFBO() { fbo.release(); }

@@ -60,7 +60,8 @@ public:
     void clearMemoryData() override;
     void cpuCodeSlot() override;
 
-    // Uniform setters: each looks the name up in program 0 on every call.
+    // Uniform setters of program 0. A value equal to the one last sent to the
+    // same uniform is not sent again.
     virtual void setInt(const char* name, int value);
     virtual void setFloat(const char* name, float value);
     virtual void setVec2(const char* name, float* values);
@@ -105,8 +106,11 @@ private:
     void initialise();
     bool bindTarget();
     void loadProgram(int pass, const char* vertexSource, const char* fragmentSource);
-    // Makes program 0 current and returns the uniform's location in it.
-    GLint uniformInProgramZero(const char* name);
+    // The uniform's location in program 0.
+    GLint locationInProgramZero(const char* name);
+    // The location to send a value to, with program 0 current; -1 when the
+    // uniform is missing or already holds these bytes.
+    GLint uniformToSend(const char* name, GLenum kind, const void* values, size_t size);
     void readPixelsInto(_Image* image);
 
     shared_ptr<IHFTexture> output;
@@ -117,8 +121,6 @@ private:
     GLint positionAttribs[kMaxPrograms] = {-1, -1, -1, -1, -1, -1};
     GLint texCoordAttribs[kMaxPrograms] = {-1, -1, -1, -1, -1, -1};
     GLint samplerLocs[kMaxInputs] = {-1, -1, -1, -1};
-    float texCoords[8];
-    float vertices[8];
     float rotation = 0.0f;
     float flipMode = 0.0f;
     // 3x3, row-major, for row vectors (translation in elements 6 and 7).

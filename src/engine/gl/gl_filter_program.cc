@@ -5,6 +5,7 @@
 
 #include "engine/gl/shader_decipher.h"
 #include "engine/gl/shader_origin.h"
+#include "engine/gl_frame_state.h"
 #include "jni/log.h"
 
 namespace {
@@ -77,6 +78,8 @@ GLFilterProgram::~GLFilterProgram() {
     if (fragmentShader != 0) glDeleteShader(fragmentShader);
     if (program != 0) glDeleteProgram(program);
 }
+
+void GLFilterProgram::use() const { GLFrameState::useProgram(program); }
 
 shared_ptr<GLFilterProgram> GLFilterProgram::create(const char* vertexSource, const char* fragmentSource) {
     shared_ptr<GLFilterProgram> record(new GLFilterProgram());

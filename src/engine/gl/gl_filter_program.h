@@ -6,6 +6,7 @@
 
 #include <GLES2/gl2.h>
 
+#include "engine/gl/gl_uniform_cache.h"
 #include "engine/shared_ptr.h"
 
 struct GLFilterProgram {
@@ -23,8 +24,12 @@ struct GLFilterProgram {
     static shared_ptr<GLFilterProgram> create(const char* vertexSource, const char* fragmentSource);
 
     GLint attributeLocation(const char* name) const { return glGetAttribLocation(program, name); }
-    GLint uniformLocation(const char* name) const { return glGetUniformLocation(program, name); }
-    void use() const { glUseProgram(program); }
+    // Asked of GL once per name.
+    GLint uniformLocation(const char* name) { return uniforms.location(program, name); }
+    // Skipped while a frame renders with this program already current.
+    void use() const;
+
+    GLUniformCache uniforms;
 };
 
 #endif  // IFC_ENGINE_GL_GL_FILTER_PROGRAM_H

@@ -7,6 +7,7 @@ target_sources(ifc_objects PRIVATE
   engine/gl/gl_filter_fbo.cc
   engine/gl/gl_filter_impl.cc
   engine/gl/gl_filter_program.cc
+  engine/gl/gl_uniform_cache.cc
   engine/gl/matrix3.cc
   engine/gl/shader_decipher.cc
   engine/gl/shader_origin.cc)

@@ -138,8 +138,8 @@ TEST_F(FilterDescTest, ParamsParseByTypeAndDropTheUnsupported) {
     EXPECT_EQ(255.0f / 256.0f, capped->values[255]) << "capped at 256 entries";
 }
 
-// What a wrapper's frame leaves bound: inputs on units 2 up, the last
-// upload/resize on unit 3, the filter's own framebuffer and viewport,
+// What a wrapper's frame leaves bound: inputs on units 2 up, the first
+// frame's output resize on unit 3, the filter's own framebuffer and viewport,
 // blending off.
 TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
     describe("frameswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
@@ -157,10 +157,10 @@ TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
         EXPECT_EQ((std::vector<GLint>{0, 0, 4, 4}), gltest::viewport());
         EXPECT_NE(0, glInteger(GL_FRAMEBUFFER_BINDING));
         EXPECT_EQ(output, gltest::colorAttachment());
-        // The first frame sizes the output last on unit 3; later frames only
-        // record the caller's size, which binds the caller's texture there.
+        // The first frame sizes the output last on unit 3; later frames reuse
+        // the caller's wrapper and bind nothing there.
         const GLint caller = static_cast<GLint>(input);
-        EXPECT_EQ((std::vector<GLint>{0, 0, caller, frame == 0 ? output : caller}), gltest::boundOnUnits(0, 3));
+        EXPECT_EQ((std::vector<GLint>{0, 0, caller, output}), gltest::boundOnUnits(0, 3));
     }
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glActiveTexture(GL_TEXTURE0);

@@ -180,6 +180,24 @@ TEST_F(HFGLFilterTest, RendersExactPixelsAndKeepsThemInTheOutput) {
     free_image(&gray);
     free_image(&input);
     free_image(&out);
+
+    // The quad's arrays stay enabled after the filter is gone, so whatever
+    // other code draws next reads them: they must not point into the freed
+    // filter.
+    const uintptr_t freed = reinterpret_cast<uintptr_t>(filter.get());
+    const GLuint program = programOf(*filter);
+    const GLint attributes[2] = {glGetAttribLocation(program, "position"),
+                                 glGetAttribLocation(program, "inputTextureCoordinate")};
+    filter.release();
+    for (GLint attribute : attributes) {
+        GLint enabled = 0;
+        void* pointer = nullptr;
+        glGetVertexAttribiv(attribute, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &enabled);
+        glGetVertexAttribPointerv(attribute, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
+        const uintptr_t at = reinterpret_cast<uintptr_t>(pointer);
+        EXPECT_TRUE(enabled);
+        EXPECT_FALSE(at >= freed && at < freed + sizeof(HFGLFilter)) << "attribute " << attribute;
+    }
 }
 
 // Under a caller's pack alignment of 8, odd-width RGBA rows would be padded
