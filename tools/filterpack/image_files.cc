@@ -4,6 +4,8 @@
 #include <stb/stb_image_write.h>
 
 #include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -11,6 +13,34 @@ namespace filterpack {
 namespace {
 
 constexpr int kRgba = 4;
+constexpr int kJpegQuality = 92;
+
+std::string lowerExtension(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return extension;
+}
+
+std::string absoluteRoot(const std::string& root) {
+    std::string path = std::filesystem::absolute(root).lexically_normal().string();
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+    return path;
+}
+
+std::vector<std::string> sortedEntries(const std::filesystem::path& directory, bool wantDirectories,
+                                       const std::string& extension) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
+        if (wantDirectories && entry.is_directory() && std::filesystem::exists(entry.path() / "filter.xml")) {
+            names.push_back(entry.path().filename().string());
+        } else if (!wantDirectories && entry.is_regular_file() && entry.path().extension() == extension) {
+            names.push_back(entry.path().stem().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
 
 struct StbFree {
     void operator()(stbi_uc* pixels) const { stbi_image_free(pixels); }
@@ -41,7 +71,36 @@ bool writePngFile(const std::string& path, const RgbaImage& image, std::string* 
     return true;
 }
 
-BundleDirectory::BundleDirectory(std::string root) : HFDirectoryResourceProvider(std::move(root)) {}
+bool writeImageFile(const std::string& path, const RgbaImage& image, std::string* error) {
+    const std::string extension = lowerExtension(path);
+    if (extension == ".png") return writePngFile(path, image, error);
+    if (extension == ".jpg" || extension == ".jpeg") {
+        if (stbi_write_jpg(path.c_str(), image.width, image.height, kRgba, image.pixels.data(), kJpegQuality) == 0) {
+            *error = path + ": cannot write JPEG";
+            return false;
+        }
+        return true;
+    }
+    *error = path + ": the output format follows the extension: .png, .jpg or .jpeg";
+    return false;
+}
+
+BundleDirectory::BundleDirectory(const std::string& root) : HFDirectoryResourceProvider(absoluteRoot(root)) {}
+
+bool BundleDirectory::contains(const std::string& path) const {
+    std::error_code error;
+    return std::filesystem::is_regular_file(pathOnDisk(path), error);
+}
+
+std::vector<std::string> BundleDirectory::packageNames() const {
+    std::vector<std::string> names = sortedEntries(pathOnDisk("filter"), true, std::string());
+    names.erase(std::remove(names.begin(), names.end(), "gl"), names.end());
+    return names;
+}
+
+std::vector<std::string> BundleDirectory::descriptionNames() const {
+    return sortedEntries(pathOnDisk("filter/gl"), false, ".xml");
+}
 
 _Image* BundleDirectory::loadRGBA(const char* path) {
     RgbaImage decoded;

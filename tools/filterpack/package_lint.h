@@ -40,6 +40,8 @@ private:
                                   const std::string& includerFile);
     FilterSummary lintLeaf(const tinyxml2::XMLElement* leaf, const std::string& file, const std::string& packageName);
     FilterSummary lintModel(const tinyxml2::XMLElement* model, const std::string& file);
+    void warnUnsetUniforms(const DescriptionInfo& info, const std::set<std::string>& setByParams,
+                           const std::string& file, const tinyxml2::XMLElement* leaf);
     FilterSummary lintInclude(const tinyxml2::XMLElement* filter, const std::string& file);
     const DescriptionInfo& description(const std::string& implement);
 
