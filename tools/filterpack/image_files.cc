@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <utility>
@@ -71,18 +72,41 @@ bool writePngFile(const std::string& path, const RgbaImage& image, std::string* 
     return true;
 }
 
-bool writeImageFile(const std::string& path, const RgbaImage& image, std::string* error) {
+bool knownImageFormat(const std::string& path, std::string* error) {
     const std::string extension = lowerExtension(path);
-    if (extension == ".png") return writePngFile(path, image, error);
-    if (extension == ".jpg" || extension == ".jpeg") {
-        if (stbi_write_jpg(path.c_str(), image.width, image.height, kRgba, image.pixels.data(), kJpegQuality) == 0) {
-            *error = path + ": cannot write JPEG";
-            return false;
-        }
-        return true;
-    }
+    if (extension == ".png" || extension == ".jpg" || extension == ".jpeg") return true;
     *error = path + ": the output format follows the extension: .png, .jpg or .jpeg";
     return false;
+}
+
+bool writeImageFile(const std::string& path, const RgbaImage& image, std::string* error) {
+    if (!knownImageFormat(path, error)) return false;
+    if (lowerExtension(path) == ".png") return writePngFile(path, image, error);
+    if (stbi_write_jpg(path.c_str(), image.width, image.height, kRgba, image.pixels.data(), kJpegQuality) == 0) {
+        *error = path + ": cannot write JPEG";
+        return false;
+    }
+    return true;
+}
+
+RgbaImage sideBySide(const RgbaImage& before, const RgbaImage& after) {
+    constexpr int kDifferenceGain = 4;
+    const int width = before.width;
+    RgbaImage sheet{width * 3, before.height, std::vector<uint8_t>(static_cast<size_t>(width) * 3 * before.height * kRgba)};
+    const size_t row = static_cast<size_t>(width) * kRgba;
+    for (int y = 0; y < before.height; ++y) {
+        const uint8_t* a = &before.pixels[y * row];
+        const uint8_t* b = &after.pixels[y * row];
+        uint8_t* out = &sheet.pixels[y * row * 3];
+        std::copy(a, a + row, out);
+        std::copy(b, b + row, out + row);
+        uint8_t* difference = out + 2 * row;
+        for (size_t i = 0; i < row; ++i) {
+            const int delta = std::abs(static_cast<int>(b[i]) - static_cast<int>(a[i])) * kDifferenceGain;
+            difference[i] = i % kRgba == 3 ? 255 : static_cast<uint8_t>(std::min(delta, 255));
+        }
+    }
+    return sheet;
 }
 
 BundleDirectory::BundleDirectory(const std::string& root) : HFDirectoryResourceProvider(absoluteRoot(root)) {}

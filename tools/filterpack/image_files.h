@@ -23,6 +23,12 @@ bool writePngFile(const std::string& path, const RgbaImage& image, std::string* 
 // PNG or JPEG by the file's extension (.png, .jpg, .jpeg, any case); any
 // other extension is refused with a message.
 bool writeImageFile(const std::string& path, const RgbaImage& image, std::string* error);
+bool knownImageFormat(const std::string& path, std::string* error);
+
+// Before, after and their difference side by side (three times as wide);
+// the difference is |after - before| per channel, times 4 so that small
+// changes show, on opaque black. Both images have the same size.
+RgbaImage sideBySide(const RgbaImage& before, const RgbaImage& after);
 
 // A bundle laid out as the app's: "filter/NAME/filter.xml", "filter/gl/...".
 class BundleDirectory : public HFDirectoryResourceProvider {

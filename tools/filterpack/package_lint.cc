@@ -38,6 +38,24 @@ const DescriptionInfo& PackageLinter::description(const std::string& implement) 
     return descriptions.emplace(implement, lintDescription(implement, bundle, &found_)).first->second;
 }
 
+const UniformInfo* PackageLinter::uniform(const std::string& name) const {
+    for (const auto& description : descriptions) {
+        auto found = description.second.uniforms.find(name);
+        if (found != description.second.uniforms.end()) return &found->second;
+    }
+    return nullptr;
+}
+
+std::vector<std::string> PackageLinter::uniformNames() const {
+    std::set<std::string> names;
+    for (const auto& description : descriptions) {
+        for (const auto& uniform : description.second.uniforms) {
+            if (!isAutomaticUniform(uniform.first)) names.insert(uniform.first);
+        }
+    }
+    return std::vector<std::string>(names.begin(), names.end());
+}
+
 FilterSummary PackageLinter::lintPackageFrom(const std::string& name, const tinyxml2::XMLElement* includer,
                                              const std::string& includerFile) {
     const std::string file = packageFile(name);

@@ -34,6 +34,9 @@ public:
 
     void lintPackage(const std::string& name) { lintPackageFrom(name, nullptr, std::string()); }
     const Findings& findings() const { return found_; }
+    // A uniform of the GL descriptions linted so far, or null.
+    const UniformInfo* uniform(const std::string& name) const;
+    std::vector<std::string> uniformNames() const;
 
 private:
     FilterSummary lintPackageFrom(const std::string& name, const tinyxml2::XMLElement* includer,

@@ -11,9 +11,11 @@ bool isNameChar(char c) {
     return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '-' || c == '.' || c == ':';
 }
 
-// A light scan over the markup: comments, CDATA, processing instructions,
-// tags with quoted attributes and entity references. It tracks open
-// elements so that text inside a shader element gets the CDATA advice.
+// A light scan over the markup: comments, CDATA, processing instructions and
+// tags with quoted attributes. It tracks open elements so that text inside
+// a shader element gets the CDATA advice. tinyxml2 passes an '&' that starts
+// no entity through as it is (so "&&" in a shader is fine) and takes '<' in
+// attribute values, so neither is reported.
 class Scanner {
 public:
     explicit Scanner(const std::string& text) : text(text) {}
@@ -23,8 +25,6 @@ public:
             const char c = text[at];
             if (c == '<') {
                 if (!markup()) return problem;
-            } else if (c == '&') {
-                if (!entity()) return problem;
             } else {
                 advance(1);
             }
@@ -53,13 +53,12 @@ private:
         return false;
     }
 
-    bool stray(size_t where, char c) {
-        const std::string what = c == '<' ? "a '<'" : "an '&'";
+    bool stray(size_t where) {
         if (inShaderText()) {
-            return fail(where, what + " in the shader text of <" + open.back().name +
+            return fail(where, "a '<' in the shader text of <" + open.back().name +
                                    "> ends the text early; wrap the source in <![CDATA[ ... ]]>");
         }
-        return fail(where, what + " that starts no tag or entity; write " + (c == '<' ? "&lt;" : "&amp;"));
+        return fail(where, "a '<' that starts no tag; write &lt;");
     }
 
     bool skipPast(const char* end, const std::string& what) {
@@ -79,14 +78,13 @@ private:
         size_t p = at + (closing ? 2 : 1);
         const size_t nameStart = p;
         while (p < text.size() && isNameChar(text[p])) ++p;
-        if (p == nameStart || std::isdigit(static_cast<unsigned char>(text[nameStart]))) return stray(start, '<');
+        if (p == nameStart || std::isdigit(static_cast<unsigned char>(text[nameStart]))) return stray(start);
         const std::string name = text.substr(nameStart, p - nameStart);
         // Attributes: name="value" or name='value' up to '>' or '/>'.
         char quote = 0;
         for (; p < text.size(); ++p) {
             if (quote != 0) {
                 if (text[p] == quote) quote = 0;
-                if (text[p] == '<') return fail(p, "a '<' inside an attribute value; write &lt;");
                 continue;
             }
             if (text[p] == '"' || text[p] == '\'') quote = text[p];
@@ -108,32 +106,6 @@ private:
             open.push_back(here);
         }
         return true;
-    }
-
-    bool entity() {
-        static const char* const kNamed[] = {"&lt;", "&gt;", "&amp;", "&quot;", "&apos;"};
-        for (const char* named : kNamed) {
-            if (text.compare(at, std::strlen(named), named) == 0) {
-                advance(std::strlen(named));
-                return true;
-            }
-        }
-        size_t p = at + 1;
-        if (p < text.size() && text[p] == '#') {
-            ++p;
-            const bool hex = p < text.size() && text[p] == 'x';
-            if (hex) ++p;
-            const size_t digits = p;
-            while (p < text.size() && (hex ? std::isxdigit(static_cast<unsigned char>(text[p]))
-                                           : std::isdigit(static_cast<unsigned char>(text[p])))) {
-                ++p;
-            }
-            if (p > digits && p < text.size() && text[p] == ';') {
-                advance(p + 1 - at);
-                return true;
-            }
-        }
-        return stray(at, '&');
     }
 
     Open position(size_t where, const std::string& name) const {
