@@ -77,20 +77,22 @@ TEST_F(FilterpackCommand, EveryCommandFailsOnABrokenPackage) {
                  "<relation output=\"0\" input=\"7\" index=\"0\"/></model>");
     const struct {
         const char* package;
-        const char* reason;
+        std::vector<std::string> reasons;
     } cases[] = {
-        {"shader", "filter/gl/broken.xml:3: error: <fragment>: glslang: 'oops' : undeclared identifier"},
-        {"mistyped", "param scale is a vector4f (a vec4), uniform scale is a float"},
-        {"wired", "filter/absent/filter.xml: error: missing from the bundle: there is no /"},
-        {"wired", "filter/wired/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"},
-        {"absent", "missing from the bundle"},
+        {"shader", {"filter/gl/broken.xml:3: error: <fragment>: glslang: 'oops' : undeclared identifier"}},
+        {"mistyped", {"param scale is a vector4f (a vec4), uniform scale is a float"}},
+        {"wired",
+         {"filter/absent/filter.xml: error: missing from the bundle: there is no /",
+          "filter/wired/filter.xml:1: error: <relation output=\"0\" input=\"7\" index=\"0\">"}},
+        {"absent", {"missing from the bundle"}},
     };
     for (const auto& c : cases) {
         const std::string name = c.package;
-        run("lint " + bundle.root() + " " + name, 1, {c.reason});
-        run("render " + bundle.root() + " " + name + " " + path("in.png") + " " + path("out.png"), 1,
-            {c.reason, "run filterpack lint for all of them"});
-        const std::string bench = run("bench " + bundle.root() + " " + name + " 8x8 2", 1, {c.reason});
+        run("lint " + bundle.root() + " " + name, 1, c.reasons);
+        std::vector<std::string> rendered = c.reasons;
+        rendered.push_back("run filterpack lint for all of them");
+        run("render " + bundle.root() + " " + name + " " + path("in.png") + " " + path("out.png"), 1, rendered);
+        const std::string bench = run("bench " + bundle.root() + " " + name + " 8x8 2", 1, c.reasons);
         EXPECT_EQ(bench.find("ms/frame"), std::string::npos) << bench;
     }
     // With no package named, lint checks every package of the bundle.

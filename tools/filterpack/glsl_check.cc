@@ -191,7 +191,7 @@ GlslStageReport GlslProgramCheck::compile(ShaderStage stage, const std::string& 
     GlslStageReport report;
     report.compiled = shader->parse(&esResources(), kEsVersion, EEsProfile, false, false, EShMsgDefault);
     report.errors = messagesOf(shader->getInfoLog());
-    if (report.compiled && report.errors.empty() == false) report.compiled = false;
+    if (!report.errors.empty()) report.compiled = false;
     if (report.compiled) {
         Survey survey(stage, &report);
         shader->getIntermediate()->getTreeRoot()->traverse(&survey);
