@@ -226,7 +226,11 @@ TEST_F(LintTest, ReportsEachKindOfBrokenPackage) {
          1, "no CPU filter function is registered as \"Sharpen\""},
     };
     for (const Breakage& c : cases) {
-        if (!filterpack::GlslProgramCheck::available() && std::string(c.words).find("glslang") != std::string::npos) {
+        // A build without glslang (a cross build lacking it) has only the
+        // driver's verdict and no loop survey.
+        const std::string words = c.words;
+        if (!filterpack::GlslProgramCheck::available() &&
+            (words.find("glslang") != std::string::npos || words.find("a loop reads") != std::string::npos)) {
             continue;
         }
         Files files = cleanBundle();
