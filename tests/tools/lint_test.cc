@@ -102,7 +102,11 @@ protected:
 };
 
 TEST_F(LintTest, CleanModelHasNoFinding) {
-    for (const Finding& finding : lint(cleanBundle())) ADD_FAILURE() << filterpack::formatFinding(finding);
+    for (const Finding& finding : lint(cleanBundle())) {
+        if (finding.message.find("built without glslang") == std::string::npos) {
+            ADD_FAILURE() << filterpack::formatFinding(finding);
+        }
+    }
 }
 
 // Each case replaces one file of the clean bundle ("" deletes it) and expects

@@ -135,7 +135,7 @@ bool driverOnly(const std::string& file, const tinyxml2::XMLElement* root, const
     findings->add(Severity::kWarning, file, root,
                   "filterpack was built without glslang: only " + driverName(driver) + " checked these shaders");
     for (const auto& uniform : driver.activeUniforms) {
-        info->uniforms[uniform.first] = UniformInfo{uniform.second, 0, true};
+        info->uniforms[uniform.first] = UniformInfo{uniform.second.type, uniform.second.arraySize, true};
     }
     *attributes = driver.activeAttributes;
     return reportDriver(file, root, vertex, fragment, driver, driverName(driver), findings);

@@ -67,7 +67,7 @@ public:
             std::string uniform = text;
             const size_t bracket = uniform.find('[');
             if (bracket != std::string::npos) uniform.resize(bracket);
-            report->activeUniforms[uniform] = type;
+            report->activeUniforms[uniform] = DriverReport::Uniform{type, bracket != std::string::npos ? size : 0};
         }
         for (const char* attribute : {"position", "inputTextureCoordinate"}) {
             if (glGetAttribLocation(name, attribute) >= 0) report->activeAttributes.insert(attribute);

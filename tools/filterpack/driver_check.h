@@ -18,7 +18,11 @@ struct DriverReport {
     std::string vertexLog;
     std::string fragmentLog;
     std::string linkLog;
-    std::map<std::string, unsigned int> activeUniforms;  // GL type; arrays without "[0]"
+    struct Uniform {
+        unsigned int type;  // GL type enum
+        int arraySize;      // 0 when not an array
+    };
+    std::map<std::string, Uniform> activeUniforms;  // arrays without "[0]"
     std::set<std::string> activeAttributes;
 };
 
