@@ -1,20 +1,27 @@
 #include "bundle_file.h"
 
+#include "xml_locate.h"
+
 namespace filterpack {
 
-BundleXml::BundleXml(HFResourceProvider& bundle, const std::string& path, Findings* findings)
+BundleXml::BundleXml(BundleDirectory& bundle, const std::string& path, Findings* findings)
     : document(true, tinyxml2::PRESERVE_WHITESPACE) {
     _Image* blob = bundle.loadData(path.c_str());
     if (blob == nullptr) {
-        findings->addForFile(Severity::kError, path, 0, "missing from the bundle");
+        findings->addForFile(Severity::kError, path, 0, "missing from the bundle: there is no " + bundle.pathOnDisk(path));
         return;
     }
-    const tinyxml2::XMLError status =
-        document.Parse(reinterpret_cast<const char*>(blob->data), static_cast<size_t>(blob->width));
+    const std::string text(reinterpret_cast<const char*>(blob->data), static_cast<size_t>(blob->width));
     free_image(&blob);
-    if (status != tinyxml2::XML_SUCCESS) {
-        findings->addForFile(Severity::kError, path, document.ErrorLineNum(),
-                             std::string("not well-formed XML: ") + document.ErrorStr());
+    if (document.Parse(text.data(), text.size()) != tinyxml2::XML_SUCCESS) {
+        const XmlProblem problem = locateXmlProblem(text);
+        if (problem.line > 0) {
+            findings->addForFile(Severity::kError, path, problem.line, "not well-formed XML: " + problem.message,
+                                 problem.column);
+        } else {
+            findings->addForFile(Severity::kError, path, document.ErrorLineNum(),
+                                 std::string("not well-formed XML: ") + document.ErrorName());
+        }
         return;
     }
     parsed = true;

@@ -7,15 +7,16 @@
 
 #include <string>
 
-#include "engine/resource_loader.h"
 #include "findings.h"
+#include "image_files.h"
 
 namespace filterpack {
 
 class BundleXml {
 public:
-    // Reports a missing or malformed file to `findings`.
-    BundleXml(HFResourceProvider& bundle, const std::string& path, Findings* findings);
+    // Reports a missing file (naming where it was looked for) or a malformed
+    // one (line, column and what to write instead) to `findings`.
+    BundleXml(BundleDirectory& bundle, const std::string& path, Findings* findings);
     BundleXml(const BundleXml&) = delete;
     BundleXml& operator=(const BundleXml&) = delete;
 

@@ -1,174 +1,53 @@
 #include "description_lint.h"
 
 #include <GLES2/gl2.h>
+#include <tinyxml2.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <regex>
-#include <vector>
 
 #include "bundle_file.h"
+#include "driver_check.h"
 #include "engine/gl/gl_filter_impl.h"
-#include "engine/gl/shader_decipher.h"
+#include "glsl_check.h"
+#include "shader_source.h"
+#include "vocabulary.h"
 
 namespace filterpack {
 namespace {
 
-struct FreeText {
-    void operator()(char* text) const { std::free(text); }
+// A uniform array this long, read in a loop, costs one uniform read per
+// entry for every pixel.
+constexpr int kLargeArray = 32;
+
+struct EngineUniform {
+    const char* name;
+    GLenum type;
+    const char* why;
 };
 
-bool hasProtectedPrefix(const char* text) {
-    for (const char* prefix : {"ios", "aes", "mee", "hfe"}) {
-        if (std::strncmp(text, prefix, 3) == 0) return true;
-    }
-    return false;
-}
-
-// The text the engine compiles for `source`, or false when a protected
-// text does not decipher.
-bool plainText(const std::string& file, const tinyxml2::XMLElement* element, const char* source,
-               Findings* findings, std::string* plain) {
-    size_t lead = std::strspn(source, " \t\r\n");
-    if (lead > 0 && hasProtectedPrefix(source + lead)) {
-        findings->add(Severity::kError, file, element,
-                      "white space before the protected text: the engine compiles it as GLSL unchanged");
-        return false;
-    }
-    if (!hasProtectedPrefix(source)) {
-        *plain = source;
-        return true;
-    }
-    const bool hex = std::strncmp(source, "ios", 3) == 0 || std::strncmp(source, "aes", 3) == 0;
-    if (hex) {
-        const size_t payload = std::strlen(source + 3);
-        std::vector<uint8_t> bytes(payload / 2 + 1);
-        if (decodeHexText(source + 3, bytes.data(), static_cast<int>(payload / 2)) != 0) {
-            findings->add(Severity::kError, file, element,
-                          "the hex payload of the protected text is malformed (odd length or a stray character)");
-            return false;
-        }
-    }
-    std::unique_ptr<char, FreeText> deciphered(decipherShaderSource(source));
-    if (!deciphered || deciphered.get()[0] == '\0') {
-        findings->add(Severity::kError, file, element, "the protected text deciphers to nothing");
-        return false;
-    }
-    *plain = deciphered.get();
-    return true;
-}
-
-// The source as the engine reads it: the element's first child. A comment
-// or a child element there would be taken for the source.
-const char* sourceOf(const std::string& file, const tinyxml2::XMLElement* element, Findings* findings) {
-    const tinyxml2::XMLNode* first = element->FirstChild();
-    if (first == nullptr || first->ToText() == nullptr) {
-        findings->add(Severity::kError, file, element, "does not start with its source text");
-        return nullptr;
-    }
-    if (first->NextSibling() != nullptr) {
-        findings->add(Severity::kError, file, element, "holds more than one text; the engine reads only the first");
-    }
-    return first->Value();
-}
-
-// Compile or link status of a shader or program, with its info log.
-bool statusWithLog(GLuint object, GLenum statusQuery, void (*getIv)(GLuint, GLenum, GLint*),
-                   void (*getLog)(GLuint, GLsizei, GLsizei*, GLchar*), std::string* log) {
-    GLint status = 0;
-    getIv(object, statusQuery, &status);
-    GLint length = 0;
-    getIv(object, GL_INFO_LOG_LENGTH, &length);
-    std::vector<char> text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
-    if (length > 0) getLog(object, length, nullptr, text.data());
-    *log = text.data();
-    return status == GL_TRUE;
-}
-
-class Shader {
-public:
-    Shader(GLenum type, const std::string& text) : name(glCreateShader(type)) {
-        const char* source = text.c_str();
-        glShaderSource(name, 1, &source, nullptr);
-        glCompileShader(name);
-    }
-    ~Shader() { glDeleteShader(name); }
-    Shader(const Shader&) = delete;
-    Shader& operator=(const Shader&) = delete;
-
-    GLuint get() const { return name; }
-    bool compiled(std::string* log) const {
-        return statusWithLog(name, GL_COMPILE_STATUS, glGetShaderiv, glGetShaderInfoLog, log);
-    }
-
-private:
-    GLuint name;
-};
-
-class Program {
-public:
-    Program(const Shader& vertex, const Shader& fragment) : name(glCreateProgram()) {
-        glAttachShader(name, vertex.get());
-        glAttachShader(name, fragment.get());
-        glLinkProgram(name);
-    }
-    ~Program() { glDeleteProgram(name); }
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-
-    bool linked(std::string* log) const {
-        return statusWithLog(name, GL_LINK_STATUS, glGetProgramiv, glGetProgramInfoLog, log);
-    }
-
-    std::map<std::string, UniformInfo> activeUniforms() const {
-        std::map<std::string, UniformInfo> uniforms;
-        GLint count = 0;
-        glGetProgramiv(name, GL_ACTIVE_UNIFORMS, &count);
-        for (GLint i = 0; i < count; ++i) {
-            char text[256] = {};
-            GLint size = 0;
-            GLenum type = 0;
-            glGetActiveUniform(name, static_cast<GLuint>(i), sizeof(text), nullptr, &size, &type, text);
-            std::string uniform = text;
-            const size_t bracket = uniform.find('[');
-            const bool array = bracket != std::string::npos;
-            if (array) uniform.resize(bracket);
-            uniforms[uniform] = UniformInfo{type, size, array};
-        }
-        return uniforms;
-    }
-
-    bool hasAttribute(const char* attribute) const { return glGetAttribLocation(name, attribute) >= 0; }
-
-private:
-    GLuint name;
+const EngineUniform kEngineUniforms[] = {
+    {"width", GL_INT, "int (set with glUniform1i)"},
+    {"height", GL_INT, "int (set with glUniform1i)"},
+    {"horStep", GL_FLOAT, "float (set with glUniform1f)"},
+    {"verStep", GL_FLOAT, "float (set with glUniform1f)"},
+    {"inputImageTexture", GL_SAMPLER_2D, "sampler2D"},
+    {"inputImageTexture1", GL_SAMPLER_2D, "sampler2D"},
+    {"inputImageTexture2", GL_SAMPLER_2D, "sampler2D"},
+    {"inputImageTexture3", GL_SAMPLER_2D, "sampler2D"},
+    {"inputImageTexture4", GL_SAMPLER_2D, "sampler2D"},
 };
 
 // The engine sets these itself; a shader that declares them must use the
 // types the engine's glUniform calls expect.
 void checkEngineUniforms(const std::string& file, const tinyxml2::XMLElement* fragment, const DescriptionInfo& info,
                          Findings* findings) {
-    const struct {
-        const char* name;
-        GLenum type;
-        const char* why;
-    } expected[] = {
-        {"width", GL_INT, "int (set with glUniform1i)"},
-        {"height", GL_INT, "int (set with glUniform1i)"},
-        {"horStep", GL_FLOAT, "float (set with glUniform1f)"},
-        {"verStep", GL_FLOAT, "float (set with glUniform1f)"},
-        {"inputImageTexture", GL_SAMPLER_2D, "sampler2D"},
-        {"inputImageTexture1", GL_SAMPLER_2D, "sampler2D"},
-        {"inputImageTexture2", GL_SAMPLER_2D, "sampler2D"},
-        {"inputImageTexture3", GL_SAMPLER_2D, "sampler2D"},
-        {"inputImageTexture4", GL_SAMPLER_2D, "sampler2D"},
-    };
-    for (const auto& uniform : expected) {
+    for (const EngineUniform& uniform : kEngineUniforms) {
         auto found = info.uniforms.find(uniform.name);
-        if (found != info.uniforms.end() && (found->second.type != uniform.type || found->second.array)) {
+        if (found != info.uniforms.end() && (found->second.type != uniform.type || found->second.arraySize != 0)) {
             findings->add(Severity::kError, file, fragment,
-                          std::string("uniform ") + uniform.name + " must be a " + uniform.why);
+                          std::string("uniform ") + uniform.name + " is a " +
+                              glslTypeName(found->second.type, found->second.arraySize) + "; the engine sets it as " +
+                              uniform.why);
         }
     }
     if (!info.samples(0)) {
@@ -177,13 +56,106 @@ void checkEngineUniforms(const std::string& file, const tinyxml2::XMLElement* fr
     }
 }
 
+void reportGlslang(const std::string& file, const ShaderSource& source, const std::vector<GlslMessage>& errors,
+                   Findings* findings) {
+    for (const GlslMessage& message : errors) {
+        findings->addAt(Severity::kError, file, source.fileLine(message.line), source.element,
+                        "glslang: " + message.text + source.sealedNote(message.line));
+    }
+}
+
+void warnArrayLoops(const std::string& file, const ShaderSource& source, const GlslStageReport& report,
+                    Findings* findings) {
+    for (const GlslArrayLoop& loop : report.arrayLoops) {
+        if (loop.size < kLargeArray) continue;
+        findings->addAt(Severity::kWarning, file, source.fileLine(loop.line), source.element,
+                        "a loop reads uniform " + loop.uniform + "[" + std::to_string(loop.size) +
+                            "] for every pixel" + source.sealedNote(loop.line) +
+                            "; a 256x1 curve image through an \"image\" param costs one texture fetch per channel");
+    }
+}
+
+// glslang's verdict on every source and on the drawn pair; fills `info`
+// with what the pair declares and reads. False when a shader is not GLSL
+// ES 1.00.
+bool checkWithGlslang(const std::string& file, const tinyxml2::XMLElement* root, const ShaderSource& vertex,
+                      const std::vector<ShaderSource>& fragments, DescriptionInfo* info, std::set<std::string>* attributes,
+                      Findings* findings) {
+    bool ok = true;
+    for (size_t pass = 1; pass < fragments.size(); ++pass) {
+        GlslProgramCheck extra;
+        const GlslStageReport report = extra.compile(ShaderStage::kFragment, fragments[pass].plain);
+        reportGlslang(file, fragments[pass], report.errors, findings);
+        ok = ok && report.compiled;
+    }
+    GlslProgramCheck program;
+    const GlslStageReport vertexReport = program.compile(ShaderStage::kVertex, vertex.plain);
+    const GlslStageReport fragmentReport = program.compile(ShaderStage::kFragment, fragments[0].plain);
+    reportGlslang(file, vertex, vertexReport.errors, findings);
+    reportGlslang(file, fragments[0], fragmentReport.errors, findings);
+    warnArrayLoops(file, fragments[0], fragmentReport, findings);
+    if (!vertexReport.compiled || !fragmentReport.compiled) return false;
+    const GlslLinkReport link = program.link();
+    for (const std::string& error : link.errors) {
+        findings->add(Severity::kError, file, root, "glslang: vertex and fragment do not link: " + error);
+    }
+    if (!link.linked) return false;
+    for (const GlslStageReport* stage : {&vertexReport, &fragmentReport}) {
+        for (const auto& uniform : stage->uniforms) {
+            info->uniforms[uniform.first] = UniformInfo{uniform.second.glType, uniform.second.arraySize,
+                                                        link.activeUniforms.count(uniform.first) != 0};
+        }
+    }
+    *attributes = link.activeAttributes;
+    return ok;
+}
+
+// The driver's compile and link failures; `who` names the judge ("glslang
+// accepts it, but the GL driver (...)" when glslang passed the sources, so a
+// failure here is the driver's own).
+bool reportDriver(const std::string& file, const tinyxml2::XMLElement* root, const ShaderSource& vertex,
+                  const ShaderSource& fragment, const DriverReport& driver, const std::string& who,
+                  Findings* findings) {
+    if (!driver.vertexCompiled) {
+        findings->add(Severity::kError, file, vertex.element, who + " does not compile it: " + driver.vertexLog);
+    }
+    if (!driver.fragmentCompiled) {
+        findings->add(Severity::kError, file, fragment.element, who + " does not compile it: " + driver.fragmentLog);
+    }
+    if (driver.vertexCompiled && driver.fragmentCompiled && !driver.linked) {
+        findings->add(Severity::kError, file, root, who + " does not link the pair: " + driver.linkLog);
+    }
+    return driver.linked;
+}
+
+// Without glslang the driver is the only judge, and lint says so.
+bool driverOnly(const std::string& file, const tinyxml2::XMLElement* root, const ShaderSource& vertex,
+                const ShaderSource& fragment, const DriverReport& driver, DescriptionInfo* info,
+                std::set<std::string>* attributes, Findings* findings) {
+    findings->add(Severity::kWarning, file, root,
+                  "filterpack was built without glslang: only " + driverName(driver) + " checked these shaders");
+    for (const auto& uniform : driver.activeUniforms) {
+        info->uniforms[uniform.first] = UniformInfo{uniform.second.type, uniform.second.arraySize, true};
+    }
+    *attributes = driver.activeAttributes;
+    return reportDriver(file, root, vertex, fragment, driver, driverName(driver), findings);
+}
+
 }  // namespace
 
 std::string samplerName(int slot) {
     return slot == 0 ? "inputImageTexture" : "inputImageTexture" + std::to_string(slot + 1);
 }
 
+bool isAutomaticUniform(const std::string& name) {
+    for (const EngineUniform& uniform : kEngineUniforms) {
+        if (name == uniform.name) return true;
+    }
+    return false;
+}
+
 bool DescriptionInfo::declares(const std::string& uniform) const {
+    if (uniforms.count(uniform) != 0) return true;
     const std::regex declaration("\\buniform\\b[^;]*\\b" + uniform + "\\b");
     return std::regex_search(plainSources, declaration);
 }
@@ -191,18 +163,25 @@ bool DescriptionInfo::declares(const std::string& uniform) const {
 bool DescriptionInfo::samples(int slot) const {
     auto isSampler = [this](const std::string& name) {
         auto found = uniforms.find(name);
-        return found != uniforms.end() && found->second.type == GL_SAMPLER_2D;
+        return found != uniforms.end() && found->second.active && found->second.type == GL_SAMPLER_2D;
     };
     // Input 0 falls back to "inputImageTexture1" when "inputImageTexture" is absent.
     return isSampler(samplerName(slot)) || (slot == 0 && isSampler("inputImageTexture1"));
 }
 
-DescriptionInfo lintDescription(const std::string& implement, HFResourceProvider& bundle, Findings* findings) {
+std::vector<std::string> DescriptionInfo::uniformNames() const {
+    std::vector<std::string> names;
+    for (const auto& uniform : uniforms) names.push_back(uniform.first);
+    return names;
+}
+
+DescriptionInfo lintDescription(const std::string& implement, BundleDirectory& bundle, Findings* findings) {
     DescriptionInfo info;
     const std::string file = HFGLFilterImpl::pathOf(implement);
     BundleXml xml(bundle, file, findings);
     tinyxml2::XMLElement* root = xml.root();
     if (root == nullptr) return info;
+    checkChildren(file, root, {"vertex", "fragment"}, findings);
 
     const tinyxml2::XMLElement* vertex = root->FirstChildElement("vertex");
     const tinyxml2::XMLElement* fragment = root->FirstChildElement("fragment");
@@ -217,42 +196,34 @@ DescriptionInfo lintDescription(const std::string& implement, HFResourceProvider
     }
     if (vertex == nullptr || fragment == nullptr) return info;
 
-    const char* vertexSource = sourceOf(file, vertex, findings);
-    const char* fragmentSource = sourceOf(file, fragment, findings);
-    std::string vertexText;
-    std::string fragmentText;
-    if (vertexSource == nullptr || fragmentSource == nullptr ||
-        !plainText(file, vertex, vertexSource, findings, &vertexText) ||
-        !plainText(file, fragment, fragmentSource, findings, &fragmentText)) {
-        return info;
+    ShaderSource vertexSource;
+    bool readable = readShaderSource(file, vertex, findings, &vertexSource);
+    std::vector<ShaderSource> fragments;
+    for (const tinyxml2::XMLElement* pass = fragment; pass != nullptr; pass = pass->NextSiblingElement("fragment")) {
+        fragments.emplace_back();
+        readable = readShaderSource(file, pass, findings, &fragments.back()) && readable;
     }
-    info.plainSources = vertexText + "\n" + fragmentText;
+    if (!readable) return info;
+    info.plainSources = vertexSource.plain + "\n" + fragments[0].plain;
 
-    const Shader vertexShader(GL_VERTEX_SHADER, vertexText);
-    const Shader fragmentShader(GL_FRAGMENT_SHADER, fragmentText);
-    std::string log;
-    bool compiled = true;
-    if (!vertexShader.compiled(&log)) {
-        findings->add(Severity::kError, file, vertex, "does not compile: " + log);
-        compiled = false;
+    std::set<std::string> attributes;
+    bool linked = false;
+    if (GlslProgramCheck::available()) {
+        if (!checkWithGlslang(file, root, vertexSource, fragments, &info, &attributes, findings)) return info;
+        const DriverReport driver = checkOnDriver(vertexSource.plain, fragments[0].plain);
+        linked = reportDriver(file, root, vertexSource, fragments[0], driver,
+                              "glslang accepts it, but " + driverName(driver), findings);
+    } else {
+        linked = driverOnly(file, root, vertexSource, fragments[0], checkOnDriver(vertexSource.plain, fragments[0].plain),
+                            &info, &attributes, findings);
     }
-    if (!fragmentShader.compiled(&log)) {
-        findings->add(Severity::kError, file, fragment, "does not compile: " + log);
-        compiled = false;
-    }
-    if (!compiled) return info;
-    const Program program(vertexShader, fragmentShader);
-    if (!program.linked(&log)) {
-        findings->add(Severity::kError, file, root, "vertex and fragment do not link: " + log);
-        return info;
-    }
+    if (!linked) return info;
     for (const char* attribute : {"position", "inputTextureCoordinate"}) {
-        if (!program.hasAttribute(attribute)) {
+        if (attributes.count(attribute) == 0) {
             findings->add(Severity::kError, file, vertex,
                           std::string("has no active attribute ") + attribute + ": the quad would not be drawn");
         }
     }
-    info.uniforms = program.activeUniforms();
     info.usable = true;
     checkEngineUniforms(file, fragment, info, findings);
     return info;

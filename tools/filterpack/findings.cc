@@ -7,6 +7,7 @@ namespace filterpack {
 std::string formatFinding(const Finding& finding) {
     std::string text = finding.file;
     if (finding.line > 0) text += ":" + std::to_string(finding.line);
+    if (finding.line > 0 && finding.column > 0) text += ":" + std::to_string(finding.column);
     text += finding.severity == Severity::kError ? ": error: " : ": warning: ";
     if (!finding.element.empty()) text += finding.element + ": ";
     return text + finding.message;
@@ -24,12 +25,17 @@ std::string describeElement(const tinyxml2::XMLElement* element) {
 
 void Findings::add(Severity severity, const std::string& file, const tinyxml2::XMLElement* element,
                    const std::string& message) {
-    list.push_back(Finding{severity, file, element != nullptr ? element->GetLineNum() : 0, describeElement(element),
-                           message});
+    addAt(severity, file, element != nullptr ? element->GetLineNum() : 0, element, message);
 }
 
-void Findings::addForFile(Severity severity, const std::string& file, int line, const std::string& message) {
-    list.push_back(Finding{severity, file, line, std::string(), message});
+void Findings::addAt(Severity severity, const std::string& file, int line, const tinyxml2::XMLElement* element,
+                     const std::string& message) {
+    list.push_back(Finding{severity, file, line, 0, describeElement(element), message});
+}
+
+void Findings::addForFile(Severity severity, const std::string& file, int line, const std::string& message,
+                          int column) {
+    list.push_back(Finding{severity, file, line, column, std::string(), message});
 }
 
 int Findings::errorCount() const {

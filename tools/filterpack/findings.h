@@ -19,11 +19,12 @@ struct Finding {
     Severity severity;
     std::string file;     // bundle path, e.g. "filter/dreamy/filter.xml"
     int line;             // 0 when the problem is the file as a whole
+    int column;           // 0 when only the line is known
     std::string element;  // e.g. "<relation output=\"0\" input=\"2\" index=\"0\">"; may be empty
     std::string message;
 };
 
-// "file:line: error: <element>: message"
+// "file:line[:column]: error: <element>: message"
 std::string formatFinding(const Finding& finding);
 
 // The element's tag with its attributes as written, for findings.
@@ -33,7 +34,11 @@ class Findings {
 public:
     void add(Severity severity, const std::string& file, const tinyxml2::XMLElement* element,
              const std::string& message);
-    void addForFile(Severity severity, const std::string& file, int line, const std::string& message);
+    // At `line` of the file, about `element` (a shader line inside it).
+    void addAt(Severity severity, const std::string& file, int line, const tinyxml2::XMLElement* element,
+               const std::string& message);
+    void addForFile(Severity severity, const std::string& file, int line, const std::string& message, int column = 0);
+    void append(const Findings& other) { list.insert(list.end(), other.list.begin(), other.list.end()); }
 
     const std::vector<Finding>& all() const { return list; }
     int errorCount() const;

@@ -7,8 +7,12 @@
 
 #include "bundle_file.h"
 #include "engine/cpu/cpu_registry.h"
+#include "engine/gl/gl_filter_impl.h"
+#include "glsl_check.h"
 #include "model_wiring.h"
 #include "param_lint.h"
+#include "suggest.h"
+#include "vocabulary.h"
 
 namespace filterpack {
 namespace {
@@ -34,6 +38,24 @@ const DescriptionInfo& PackageLinter::description(const std::string& implement) 
     return descriptions.emplace(implement, lintDescription(implement, bundle, &found_)).first->second;
 }
 
+const UniformInfo* PackageLinter::uniform(const std::string& name) const {
+    for (const auto& description : descriptions) {
+        auto found = description.second.uniforms.find(name);
+        if (found != description.second.uniforms.end()) return &found->second;
+    }
+    return nullptr;
+}
+
+std::vector<std::string> PackageLinter::uniformNames() const {
+    std::set<std::string> names;
+    for (const auto& description : descriptions) {
+        for (const auto& uniform : description.second.uniforms) {
+            if (!isAutomaticUniform(uniform.first)) names.insert(uniform.first);
+        }
+    }
+    return std::vector<std::string>(names.begin(), names.end());
+}
+
 FilterSummary PackageLinter::lintPackageFrom(const std::string& name, const tinyxml2::XMLElement* includer,
                                              const std::string& includerFile) {
     const std::string file = packageFile(name);
@@ -51,11 +73,17 @@ FilterSummary PackageLinter::lintPackageFrom(const std::string& name, const tiny
     FilterSummary summary;
     BundleXml xml(bundle, file, &found_);
     if (includer != nullptr && xml.root() == nullptr) {
-        found_.add(Severity::kError, includerFile, includer, "includes package " + name + ", which cannot be loaded");
+        found_.add(Severity::kError, includerFile, includer,
+                   "includes package " + name + ", which cannot be loaded" + didYouMean(name, bundle.packageNames()));
     }
     if (tinyxml2::XMLElement* root = xml.root()) {
         if (std::strcmp(root->Name(), "model") == 0) {
             summary = lintModel(root, file);
+        } else if (std::strcmp(root->Name(), "filter") == 0 && root->FindAttribute("include") != nullptr) {
+            found_.add(Severity::kError, file, root,
+                       "include works on a <filter> inside a <model>; at the top of a package the engine reads a "
+                       "leaf filter with no implement. Write <model><filter include=\"" +
+                           std::string(root->Attribute("include")) + "\"/></model>");
         } else if (std::strcmp(root->Name(), "filter") == 0) {
             summary = lintLeaf(root, file, name);
             if (includer == nullptr && summary.kind == FilterSummary::Kind::kCPU) {
@@ -71,7 +99,8 @@ FilterSummary PackageLinter::lintPackageFrom(const std::string& name, const tiny
                 }
             }
         } else {
-            found_.add(Severity::kError, file, root, "the root must be <model> or <filter>");
+            found_.add(Severity::kError, file, root,
+                       "the root must be <model> or <filter>" + didYouMean(root->Name(), {"model", "filter"}, "<", ">"));
         }
     }
     loading.pop_back();
@@ -82,6 +111,8 @@ FilterSummary PackageLinter::lintPackageFrom(const std::string& name, const tiny
 FilterSummary PackageLinter::lintLeaf(const tinyxml2::XMLElement* leaf, const std::string& file,
                                       const std::string& packageName) {
     FilterSummary summary;
+    checkAttributes(file, leaf, {"implement", "prefer"}, &found_);
+    checkChildren(file, leaf, {"param"}, &found_);
     const tinyxml2::XMLAttribute* implement = leaf->FindAttribute("implement");
     const tinyxml2::XMLAttribute* prefer = leaf->FindAttribute("prefer");
     // Only the exact text "GPU" keeps a leaf on the GPU.
@@ -101,6 +132,12 @@ FilterSummary PackageLinter::lintLeaf(const tinyxml2::XMLElement* leaf, const st
             found_.add(Severity::kError, file, leaf, "no CPU filter function is registered as \"" + name + "\"");
         }
         summary.kind = FilterSummary::Kind::kCPU;
+    } else if (!bundle.contains(HFGLFilterImpl::pathOf(name))) {
+        std::string hint = didYouMean(name, bundle.descriptionNames());
+        if (HFCPUFilterRegistry_lookup(name) != nullptr) hint = "; \"" + name + "\" is a CPU function: add prefer=\"CPU\"";
+        found_.add(Severity::kError, file, leaf,
+                   "implement=\"" + name + "\" names no GL description: there is no " +
+                       bundle.pathOnDisk(HFGLFilterImpl::pathOf(name)) + hint);
     } else {
         info = &description(name);
         if (info->usable) {
@@ -115,10 +152,14 @@ FilterSummary PackageLinter::lintLeaf(const tinyxml2::XMLElement* leaf, const st
         }
     }
     const ParamContext context{file, packageName, info, name, bundle};
+    std::set<std::string> setByParams;
     for (const tinyxml2::XMLElement* param = leaf->FirstChildElement("param"); param != nullptr;
          param = param->NextSiblingElement("param")) {
         lintParam(param, context, &found_, &summary.imageSlots);
+        const tinyxml2::XMLElement* paramName = param->FirstChildElement("name");
+        if (paramName != nullptr && paramName->GetText() != nullptr) setByParams.insert(paramName->GetText());
     }
+    if (info != nullptr) warnUnsetUniforms(*info, setByParams, file, leaf);
     if (cpu && !summary.imageSlots.empty()) {
         found_.add(Severity::kWarning, file, leaf, "a CPU filter ignores image params");
         summary.imageSlots.clear();
@@ -126,7 +167,22 @@ FilterSummary PackageLinter::lintLeaf(const tinyxml2::XMLElement* leaf, const st
     return summary;
 }
 
+// A uniform no param sets keeps GL's initial value, 0, which is rarely what
+// the shader's author meant.
+void PackageLinter::warnUnsetUniforms(const DescriptionInfo& info, const std::set<std::string>& setByParams,
+                                      const std::string& file, const tinyxml2::XMLElement* leaf) {
+    for (const auto& uniform : info.uniforms) {
+        if (!uniform.second.active || isAutomaticUniform(uniform.first) || setByParams.count(uniform.first) != 0) {
+            continue;
+        }
+        found_.add(Severity::kWarning, file, leaf,
+                   "uniform " + uniform.first + " (" + glslTypeName(uniform.second.type, uniform.second.arraySize) +
+                       ") is set by no param: it stays 0");
+    }
+}
+
 FilterSummary PackageLinter::lintInclude(const tinyxml2::XMLElement* filter, const std::string& file) {
+    checkAttributes(file, filter, {"include", "implement", "prefer"}, &found_);
     const std::string included = filter->Attribute("include");
     if (included.empty()) {
         found_.add(Severity::kError, file, filter, "include names no package");
@@ -144,16 +200,19 @@ FilterSummary PackageLinter::lintInclude(const tinyxml2::XMLElement* filter, con
 }
 
 FilterSummary PackageLinter::lintModel(const tinyxml2::XMLElement* model, const std::string& file) {
+    checkAttributes(file, model, {}, &found_);
+    checkChildren(file, model, {"filter", "relation"}, &found_);
     std::vector<FilterSummary> children;
     std::vector<const tinyxml2::XMLElement*> elements;
     for (const tinyxml2::XMLElement* child = model->FirstChildElement(); child != nullptr;
          child = child->NextSiblingElement()) {
         const std::string tag = child->Name();
-        if (tag == "relation") continue;
-        if (tag != "filter") {
-            found_.add(Severity::kWarning, file, child, "the engine ignores this element in a model");
+        if (tag == "relation") {
+            checkAttributes(file, child, {"output", "input", "index"}, &found_);
+            checkChildren(file, child, {}, &found_);
             continue;
         }
+        if (tag != "filter") continue;
         elements.push_back(child);
         children.push_back(child->FindAttribute("include") != nullptr ? lintInclude(child, file)
                                                                       : lintLeaf(child, file, std::string()));

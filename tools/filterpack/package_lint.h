@@ -34,12 +34,17 @@ public:
 
     void lintPackage(const std::string& name) { lintPackageFrom(name, nullptr, std::string()); }
     const Findings& findings() const { return found_; }
+    // A uniform of the GL descriptions linted so far, or null.
+    const UniformInfo* uniform(const std::string& name) const;
+    std::vector<std::string> uniformNames() const;
 
 private:
     FilterSummary lintPackageFrom(const std::string& name, const tinyxml2::XMLElement* includer,
                                   const std::string& includerFile);
     FilterSummary lintLeaf(const tinyxml2::XMLElement* leaf, const std::string& file, const std::string& packageName);
     FilterSummary lintModel(const tinyxml2::XMLElement* model, const std::string& file);
+    void warnUnsetUniforms(const DescriptionInfo& info, const std::set<std::string>& setByParams,
+                           const std::string& file, const tinyxml2::XMLElement* leaf);
     FilterSummary lintInclude(const tinyxml2::XMLElement* filter, const std::string& file);
     const DescriptionInfo& description(const std::string& implement);
 

@@ -3,6 +3,8 @@
 #include <GLES2/gl2.h>
 
 #include <chrono>
+#include <cstdio>
+#include <new>
 
 #include "engine/filter_wraper.h"
 
@@ -12,6 +14,7 @@ namespace {
 // A texture of the caller's, as the camera or the gallery would hand over.
 class SourceTexture {
 public:
+    // glGetError tells whether the upload worked.
     SourceTexture(int width, int height, const void* pixels) {
         glGenTextures(1, &name);
         glBindTexture(GL_TEXTURE_2D, name);
@@ -74,35 +77,120 @@ RgbaImage testPicture(int width, int height) {
     return picture;
 }
 
-}  // namespace
-
-bool renderPackage(const std::string& name, const RgbaImage& input, RgbaImage* output) {
-    const SourceTexture source(input.width, input.height, input.pixels.data());
-    HFFilterWraper wraper(name.c_str());
-    if (!wraper.hasFilter()) return false;
-    wraper.renderTexture(static_cast<int>(source.get()), input.width, input.height);
-    const int texture = wraper.outputTexture();
-    if (texture == 0) return false;
-    output->width = input.width;
-    output->height = input.height;
-    const ReadBackFramebuffer framebuffer(static_cast<GLuint>(texture));
-    return framebuffer.read(output);
+std::string glErrorText(GLenum error) {
+    char text[64];
+    std::snprintf(text, sizeof(text), "GL error 0x%04x", error);
+    return text;
 }
 
-double benchPackage(const std::string& name, int width, int height, int frames) {
-    const RgbaImage picture = testPicture(width, height);
-    const SourceTexture source(width, height, picture.pixels.data());
+void drainGlErrors() {
+    for (int i = 0; i < 16 && glGetError() != GL_NO_ERROR; ++i) {
+    }
+}
+
+// After a frame: the package left an output texture and GL saw no error.
+bool frameRendered(const std::string& name, HFFilterWraper& wraper, std::string* error) {
+    if (wraper.outputTexture() == 0) {
+        *error = "package " + name + " leaves no GL output texture";
+        return false;
+    }
+    const GLenum status = glGetError();
+    if (status != GL_NO_ERROR) {
+        *error = glErrorText(status) + " while package " + name + " rendered";
+        return false;
+    }
+    return true;
+}
+
+bool uploaded(const std::string& what, std::string* error) {
+    const GLenum status = glGetError();
+    if (status == GL_NO_ERROR) return true;
+    *error = glErrorText(status) + " while uploading the " + what + " picture";
+    return false;
+}
+
+std::string noFilter(const std::string& name) {
+    return "the engine builds no filter from package " + name + " (its log above says why)";
+}
+
+std::string rendererName() {
+    const GLubyte* renderer = glGetString(GL_RENDERER);
+    return renderer != nullptr ? reinterpret_cast<const char*>(renderer) : "unknown renderer";
+}
+
+}  // namespace
+
+bool renderPackage(const std::string& name, const RgbaImage& input, RgbaImage* output, std::string* error) {
+    drainGlErrors();
+    const SourceTexture source(input.width, input.height, input.pixels.data());
+    if (!uploaded(std::to_string(input.width) + "x" + std::to_string(input.height), error)) return false;
     HFFilterWraper wraper(name.c_str());
-    if (!wraper.hasFilter()) return -1.0;
-    wraper.renderTexture(static_cast<int>(source.get()), width, height);
+    if (!wraper.hasFilter()) {
+        *error = noFilter(name);
+        return false;
+    }
+    wraper.renderTexture(static_cast<int>(source.get()), input.width, input.height);
+    if (!frameRendered(name, wraper, error)) return false;
+    output->width = input.width;
+    output->height = input.height;
+    const ReadBackFramebuffer framebuffer(static_cast<GLuint>(wraper.outputTexture()));
+    if (!framebuffer.read(output)) {
+        *error = "the output texture of package " + name + " cannot be read back";
+        return false;
+    }
+    return true;
+}
+
+BenchResult benchPackage(const std::string& name, int width, int height, int frames, EngineSession* session) {
+    BenchResult result;
+    result.renderer = rendererName();
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    if (width > limit || height > limit) {
+        result.error = std::to_string(width) + "x" + std::to_string(height) + " is larger than " + result.renderer +
+                       " allows: GL_MAX_TEXTURE_SIZE is " + std::to_string(limit);
+        return result;
+    }
+    RgbaImage picture;
+    try {
+        picture = testPicture(width, height);
+    } catch (const std::bad_alloc&) {
+        result.error = "not enough memory for a " + std::to_string(width) + "x" + std::to_string(height) + " picture";
+        return result;
+    }
+    drainGlErrors();
+    const SourceTexture source(width, height, picture.pixels.data());
+    if (!uploaded(std::to_string(width) + "x" + std::to_string(height), &result.error)) return result;
+    session->passes().clear();  // only this wrapper's leaves
+    HFFilterWraper wraper(name.c_str());
+    if (!wraper.hasFilter()) {
+        result.error = noFilter(name);
+        return result;
+    }
+    const int texture = static_cast<int>(source.get());
+    wraper.renderTexture(texture, width, height);
     glFinish();
+    if (!frameRendered(name, wraper, &result.error)) return result;
+
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < frames; ++i) {
-        wraper.renderTexture(static_cast<int>(source.get()), width, height);
+        wraper.renderTexture(texture, width, height);
         glFinish();
     }
     const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now() - start;
-    return frames > 0 ? elapsed.count() / frames : 0.0;
+    if (!frameRendered(name, wraper, &result.error)) return result;
+    result.milliseconds = frames > 0 ? elapsed.count() / frames : 0.0;
+
+    for (PassTime& pass : session->passes()) pass = PassTime{pass.label, 0.0, 0};
+    session->setTiming(true);
+    for (int i = 0; i < frames; ++i) wraper.renderTexture(texture, width, height);
+    session->setTiming(false);
+    if (!frameRendered(name, wraper, &result.error)) return result;
+    for (const PassTime& pass : session->passes()) {
+        result.passes.push_back(PassTime{pass.label, pass.frames > 0 ? pass.milliseconds / pass.frames : 0.0,
+                                         pass.frames});
+    }
+    return result;
 }
 
 }  // namespace filterpack

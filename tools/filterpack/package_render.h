@@ -5,19 +5,29 @@
 #define FILTERPACK_PACKAGE_RENDER_H
 
 #include <string>
+#include <vector>
 
+#include "engine_session.h"
 #include "image_files.h"
 
 namespace filterpack {
 
-// False when the package builds no filter or leaves no GL output; the
-// engine has logged why.
-bool renderPackage(const std::string& name, const RgbaImage& input, RgbaImage* output);
+// False (with the reason in *error) when the package builds no filter,
+// leaves no GL output, or GL reports an error while it renders.
+bool renderPackage(const std::string& name, const RgbaImage& input, RgbaImage* output, std::string* error);
 
-// Milliseconds per frame over `frames` renders (after one warm-up frame) of
-// a width x height test picture, each finished with glFinish. Negative when
-// the package builds no filter.
-double benchPackage(const std::string& name, int width, int height, int frames);
+struct BenchResult {
+    std::string error;        // empty when every frame rendered
+    std::string renderer;     // GL_RENDERER
+    double milliseconds = 0;  // per frame, each finished with glFinish
+    std::vector<PassTime> passes;  // per leaf filter, each fenced with glFinish
+};
+
+// Times `frames` renders (after a checked warm-up frame) of a width x height
+// test picture, then as many again with each pass timed on its own. Sizes
+// above GL_MAX_TEXTURE_SIZE and pictures that cannot be allocated are
+// refused with a message. `session` must be active.
+BenchResult benchPackage(const std::string& name, int width, int height, int frames, EngineSession* session);
 
 }  // namespace filterpack
 

@@ -7,6 +7,9 @@
 #include <cstring>
 
 #include "engine/gl/xml_text.h"
+#include "glsl_check.h"
+#include "suggest.h"
+#include "vocabulary.h"
 
 namespace filterpack {
 namespace {
@@ -37,6 +40,13 @@ public:
     }
 
     void checkNumbers(const tinyxml2::XMLElement* value, int capacity) const {
+        for (const tinyxml2::XMLElement* child = value->FirstChildElement(); child != nullptr;
+             child = child->NextSiblingElement()) {
+            if (std::strcmp(child->Name(), "number") != 0) {
+                error("unknown element <" + std::string(child->Name()) + "> in <" + value->Name() + ">" +
+                      didYouMean(child->Name(), {"number"}, "<", ">"));
+            }
+        }
         int count = 0;
         for (const tinyxml2::XMLElement* number = value->FirstChildElement("number"); number != nullptr;
              number = number->NextSiblingElement("number")) {
@@ -65,24 +75,37 @@ public:
         }
     }
 
-    // A value param must reach a uniform of the type its setter writes.
-    void checkUniform(const std::string& name, GLenum type, bool array, const char* what) const {
+    // A value param must reach a uniform of the type its setter writes;
+    // messages speak of the param first, as the designer wrote it.
+    void checkUniform(const std::string& name, GLenum type, int arraySize, const char* kind) const {
         const DescriptionInfo* description = context.description;
         if (description == nullptr) return;
         auto found = description->uniforms.find(name);
         if (found == description->uniforms.end()) {
             if (description->declares(name)) {
                 warning("uniform " + name + " is declared but unused by the shader");
-            } else {
-                error("no uniform " + name + " in filter/gl/" + context.implement + ".xml");
+                return;
             }
+            std::vector<std::string> candidates;
+            for (const std::string& uniform : description->uniformNames()) {
+                if (!isAutomaticUniform(uniform)) candidates.push_back(uniform);
+            }
+            error("param " + name + " names no uniform of filter/gl/" + context.implement + ".xml" +
+                  didYouMean(name, candidates));
             return;
         }
-        if (found->second.type != type || found->second.array != array) {
-            error("uniform " + name + " must be a " + what);
-        } else if (array && found->second.size != kCurveSize) {
-            error("uniform " + name + " has " + std::to_string(found->second.size) + " entries, the curve sets " +
-                  std::to_string(kCurveSize));
+        const UniformInfo& uniform = found->second;
+        const bool curve = arraySize > 0;
+        if (uniform.type != type || (uniform.arraySize > 0) != curve) {
+            error("param " + name + " is a " + kind + ", uniform " + name + " is a " +
+                  glslTypeName(uniform.type, uniform.arraySize));
+        } else if (curve && uniform.arraySize != arraySize) {
+            warning("param " + name + " is a " + kind + ", uniform " + name + " is a " +
+                    glslTypeName(uniform.type, uniform.arraySize) +
+                    (uniform.arraySize < arraySize ? ": the entries past its end are dropped"
+                                                   : ": the entries past 256 stay 0"));
+        } else if (!uniform.active) {
+            warning("uniform " + name + " is declared but unused by the shader");
         }
     }
 
@@ -115,6 +138,9 @@ public:
     }
 
     void check(std::set<int>* imageSlots) const {
+        for (const tinyxml2::XMLElement* e = param; e != nullptr; e = e == param ? param->FirstChildElement() : e->NextSiblingElement()) {
+            checkAttributes(context.file, e, {}, findings);
+        }
         const tinyxml2::XMLElement* nameElement = param->FirstChildElement();
         if (nameElement == nullptr || std::strcmp(nameElement->Name(), "name") != 0) {
             error("the first child must be <name> (the engine logs \"xml parse error in param\" and drops it)");
@@ -132,26 +158,31 @@ public:
         const char* text = xmlTextOf(value);
         if (type == "float") {
             if (!isNumber(text, false)) error("float value is not a number");
-            checkUniform(name, GL_FLOAT, false, "float");
+            checkUniform(name, GL_FLOAT, 0, "float");
         } else if (type == "vector4f") {
             checkNumbers(value, 4);
-            checkUniform(name, GL_FLOAT_VEC4, false, "vec4");
+            checkUniform(name, GL_FLOAT_VEC4, 0, "vector4f (a vec4)");
         } else if (type == "matrix4f") {
             checkNumbers(value, 16);
-            checkUniform(name, GL_FLOAT_MAT4, false, "mat4");
+            checkUniform(name, GL_FLOAT_MAT4, 0, "matrix4f (a mat4)");
         } else if (type == "curve") {
             if (text == nullptr) {
                 error("curve has no values");
             } else {
                 checkCurve(text);
             }
-            checkUniform(name, GL_FLOAT, true, "float array of 256 (set with glUniform1fv)");
+            checkUniform(name, GL_FLOAT, kCurveSize, "curve (a float[256])");
         } else if (type == "image") {
             checkImage(name, text, imageSlots);
         } else if (type == "int" || type == "vector2f" || type == "vector3f") {
             error("type " + type + " is not supported: the engine drops this param");
         } else {
-            error("unknown param type <" + type + ">");
+            error("unknown param type <" + type + ">" +
+                  didYouMean(type, {"float", "vector4f", "matrix4f", "curve", "image"}, "<", ">"));
+        }
+        for (const tinyxml2::XMLElement* extra = value->NextSiblingElement(); extra != nullptr;
+             extra = extra->NextSiblingElement()) {
+            warning("<" + std::string(extra->Name()) + "> after the value of param " + name + " is ignored");
         }
     }
 
