@@ -95,7 +95,7 @@ TEST_F(PreviewServerTest, RendersWithRuntimeValuesInEveryView) {
 
     const filterpack::RgbaImage compare = picture(render(with(base, {{"view", "compare"}})));
     EXPECT_EQ(compare.width, 2 * after.width);
-    EXPECT_EQ(compare.pixels, filterpack::sideBySide(before, after).pixels);
+    EXPECT_EQ(compare.pixels, filterpack::leftAndRight(before, after).pixels);
     EXPECT_EQ(picture(render(with(base, {{"view", "difference"}}))).pixels,
               filterpack::differenceImage(before, after, 4).pixels);
 }

@@ -96,7 +96,7 @@ RgbaImage differenceImage(const RgbaImage& before, const RgbaImage& after, int g
     return difference;
 }
 
-RgbaImage sideBySide(const RgbaImage& left, const RgbaImage& right) {
+RgbaImage leftAndRight(const RgbaImage& left, const RgbaImage& right) {
     const int height = std::max(left.height, right.height);
     RgbaImage both{left.width + right.width, height,
                    std::vector<uint8_t>(static_cast<size_t>(left.width + right.width) * height * kRgba, 0)};

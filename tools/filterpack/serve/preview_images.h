@@ -19,7 +19,7 @@ bool decodeImage(const std::string& bytes, RgbaImage* image, std::string* error)
 // opaque. Both must have the same size.
 RgbaImage differenceImage(const RgbaImage& before, const RgbaImage& after, int gain);
 // The two pictures next to each other, `left` first.
-RgbaImage sideBySide(const RgbaImage& left, const RgbaImage& right);
+RgbaImage leftAndRight(const RgbaImage& left, const RgbaImage& right);
 // FNV-1a over the pixels: lets a page tell whether a picture changed.
 uint64_t pictureDigest(const RgbaImage& image);
 

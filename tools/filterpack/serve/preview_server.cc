@@ -265,7 +265,7 @@ void PreviewServer::State::routes() {
         gl.run([&] { rendered = renderWithValues(package, values, before, &after, &problem); });
         if (!rendered) return sendError(response, 422, problem);
         RgbaImage shown = view == "before" ? before
-                          : view == "compare" ? sideBySide(before, after)
+                          : view == "compare" ? leftAndRight(before, after)
                           : view == "difference" ? differenceImage(before, after, 4)
                           : after;
         response.set_header("X-Picture-Digest", std::to_string(pictureDigest(after)));
