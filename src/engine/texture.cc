@@ -2,7 +2,9 @@
 
 #include <cstring>
 #include <vector>
+
 #include "engine/gl_frame_state.h"
+#include "jni/log.h"
 
 const HFGLTextureOptions defaultTextureOptions = {
     GL_LINEAR, GL_LINEAR, GL_CLAMP_TO_EDGE, GL_CLAMP_TO_EDGE, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE,
@@ -37,10 +39,10 @@ size_t bytesHeld(const _Image& image) {
 }
 
 // Sizes GL rejects before reading anything need no copy.
-bool withinTextureLimits(const _Image& image) {
+bool withinTextureLimits(int width, int height) {
     GLint limit = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
-    return image.width <= limit && image.height <= limit;
+    return width <= limit && height <= limit;
 }
 
 }  // namespace
@@ -112,7 +114,7 @@ void HFGLTexture::setImage(_Image* image) {
     std::vector<unsigned char> padded;
     const size_t wanted = bytesGLReads(*image, format);
     const size_t held = bytesHeld(*image);
-    if (pixels != nullptr && wanted > held && withinTextureLimits(*image)) {
+    if (pixels != nullptr && wanted > held && withinTextureLimits(image->width, image->height)) {
         padded.assign(wanted, 0);
         memcpy(padded.data(), image->data, held);
         pixels = padded.data();
@@ -131,6 +133,12 @@ void HFGLTexture::setImage(_Image* image) {
 void HFGLTexture::resize(int width, int height) {
     if (width == recordedSize.width && height == recordedSize.height) return;
     if (width == 0 || height == 0) return;
+    // GL refuses these with GL_INVALID_VALUE anyway; some drivers crash on a
+    // side far beyond the limit instead, so they never reach GL.
+    if (width < 0 || height < 0 || !withinTextureLimits(width, height)) {
+        log_printE("texture size %dx%d is beyond this GL's limits", width, height);
+        return;
+    }
     recordedSize = HFSize{width, height};
     glActiveTexture(GL_TEXTURE3);
     glBindTexture(GL_TEXTURE_2D, texture);
