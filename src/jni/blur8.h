@@ -24,6 +24,7 @@ void blur8_downsample(const uint8_t* source, int source_width, int channels, int
 // blur8_filter gives the same bytes through the CPU's best kernel.
 void blur8_filter_c(uint8_t* T, int W, int H, int A);
 void blur8_filter_avx2(uint8_t* T, int W, int H, int A);
+void blur8_filter_neon(uint8_t* T, int W, int H, int A);
 void blur8_filter(uint8_t* T, int W, int H, int A);
 
 // The reference's two passes over parts of the plane: the row sweeps of

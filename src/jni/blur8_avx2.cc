@@ -5,6 +5,7 @@
 // pixel = v >> 24, with b << 8 as one multiplier.
 #include <immintrin.h>
 
+#include <cstddef>
 #include <vector>
 
 #include "jni/blur8.h"

@@ -27,7 +27,7 @@ function(ifc_add_pixel_kernels target)
     set_source_files_properties(${avx2} PROPERTIES COMPILE_OPTIONS "-mavx2")
   elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|armv7.*|arm)$" OR ANDROID_ABI MATCHES "^(arm64-v8a|armeabi-v7a)$")
     set(neon ${dir}/nv21_rows_neon.cc ${dir}/yuv422_rows_neon.cc ${dir}/rgb565_rows_neon.cc
-      ${dir}/filter_rows_neon.cc ${dir}/blend_rows_neon.cc)
+      ${dir}/filter_rows_neon.cc ${dir}/blend_rows_neon.cc ${dir}/blur8_neon.cc)
     target_sources(${target} PRIVATE ${neon} ${dir}/kernel_select_arm.cc)
     if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(armv7.*|arm)$" OR ANDROID_ABI STREQUAL "armeabi-v7a")
       set_source_files_properties(${neon} PROPERTIES COMPILE_OPTIONS "-mfpu=neon")
