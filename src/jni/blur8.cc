@@ -4,6 +4,8 @@
 #include <cstring>
 #include <vector>
 
+#include "jni/pixel_kernels.h"
+
 namespace ifc {
 
 int blur8_weight(int sigma) {
@@ -31,29 +33,37 @@ inline void step(uint8_t& pixel, uint32_t& q, uint32_t a, uint32_t b) {
 
 }  // namespace
 
-void blur8_filter(uint8_t* T, int W, int H, int A) {
+void blur8_rows_c(uint8_t* T, int W, int y0, int y1, int A) {
     const uint32_t a = static_cast<uint32_t>(A);
     const uint32_t b = a ^ 0xFFFF;
-    if (W >= 2) {
-        for (int y = 0; y < H; ++y) {
-            uint8_t* row = T + size_t(y) * W;
-            uint32_t q = uint32_t{row[0]} << 8;
-            for (int x = 1; x < W; ++x) step(row[x], q, a, b);
-            for (int x = W - 1; x >= 1; --x) step(row[x], q, a, b);
-        }
-    }
-    if (H >= 2) {
-        // Unlike the rows, the forward sweep starts at row 0 and stops before
-        // the last row; kept, results depend on it. Columns are independent,
-        // so they advance together row by row (one state per column).
-        std::vector<uint32_t> q(T, T + W);
-        for (uint32_t& state : q) state <<= 8;
-        for (int y = 0; y <= H - 2; ++y)
-            for (int x = 0; x < W; ++x) step(T[size_t(y) * W + x], q[x], a, b);
-        for (int y = H - 1; y >= 1; --y)
-            for (int x = 0; x < W; ++x) step(T[size_t(y) * W + x], q[x], a, b);
+    for (int y = y0; y < y1; ++y) {
+        uint8_t* row = T + size_t(y) * W;
+        uint32_t q = uint32_t{row[0]} << 8;
+        for (int x = 1; x < W; ++x) step(row[x], q, a, b);
+        for (int x = W - 1; x >= 1; --x) step(row[x], q, a, b);
     }
 }
+
+void blur8_columns_c(uint8_t* T, int W, int H, int x0, int x1, int A) {
+    const uint32_t a = static_cast<uint32_t>(A);
+    const uint32_t b = a ^ 0xFFFF;
+    // Unlike the rows, the forward sweep starts at row 0 and stops before
+    // the last row; kept, results depend on it. Columns are independent,
+    // so they advance together row by row (one state per column).
+    std::vector<uint32_t> q(T + x0, T + x1);
+    for (uint32_t& state : q) state <<= 8;
+    for (int y = 0; y <= H - 2; ++y)
+        for (int x = x0; x < x1; ++x) step(T[size_t(y) * W + x], q[x - x0], a, b);
+    for (int y = H - 1; y >= 1; --y)
+        for (int x = x0; x < x1; ++x) step(T[size_t(y) * W + x], q[x - x0], a, b);
+}
+
+void blur8_filter_c(uint8_t* T, int W, int H, int A) {
+    if (W >= 2) blur8_rows_c(T, W, 0, H, A);
+    if (H >= 2) blur8_columns_c(T, W, H, 0, W, A);
+}
+
+void blur8_filter(uint8_t* T, int W, int H, int A) { pixel_kernels().blur8_filter(T, W, H, A); }
 
 _Image* blur8_image(const _Image* source, int scale, int sigma) {
     if (!source || !source->data || scale < 1 || source->width < 0 || source->height < 0) return nullptr;

@@ -57,8 +57,10 @@ void image_filter_gray(const _Image* source, _Image* destination) {
 void image_filter_curve(const _Image* source, _Image* destination, const unsigned char* curve) {
     if (!curve) return;
     const int channels = source ? source->channels : 0;
-    auto row = [&](const uint8_t* s, uint8_t* d, int n) { ifc::curve_row_c(s, d, n, channels, curve); };
-    filter_pixels(source, destination, row, row);
+    filter_pixels(
+        source, destination,
+        [&](const uint8_t* s, uint8_t* d, int n) { ifc::pixel_kernels().curve_row(s, d, n, channels, curve); },
+        [&](const uint8_t* s, uint8_t* d, int n) { ifc::curve_row_c(s, d, n, channels, curve); });
 }
 
 void image_filter_gauss_channel(const _Image* source, _Image* destination, int channel) {

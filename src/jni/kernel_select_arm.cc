@@ -1,4 +1,5 @@
 // ARM (armeabi-v7a built with NEON, arm64-v8a): the NEON rows.
+#include "jni/blur8.h"
 #include "jni/pixel_kernels.h"
 
 namespace ifc {
@@ -13,8 +14,11 @@ constexpr PixelKernels kNeon = {
     yuv422_to_rgba_row_neon,
     rgb565_to_rgba_row_neon,
     gray_row_neon,
+    curve_row_words,
+    alpha_mix_row_neon,
     matrix_row_neon,
     smooth3x3_row_neon,
+    blur8_filter_neon,
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
 // x86-64: SSE2 is always there; AVX2 rows are taken when the CPU has it.
+#include "jni/blur8.h"
 #include "jni/pixel_kernels.h"
 
 namespace ifc {
@@ -13,8 +14,11 @@ constexpr PixelKernels kSse2 = {
     yuv422_to_rgba_row_sse2,
     rgb565_to_rgba_row_sse2,
     gray_row_sse2,
+    curve_row_words,
+    alpha_mix_row_sse2,
     matrix_row_sse2,
     smooth3x3_row_sse2,
+    blur8_filter_c,
 };
 
 PixelKernels avx2_kernels() {
@@ -24,8 +28,12 @@ PixelKernels avx2_kernels() {
     k.nv21_to_rgba_row_pair = nv21_to_rgba_row_pair_avx2;
     k.nv21_to_yuva_row = nv21_to_yuva_row_avx2;
     k.yuv422_to_rgba_row = yuv422_to_rgba_row_avx2;
+    k.rgb565_to_rgba_row = rgb565_to_rgba_row_avx2;
+    k.gray_row = gray_row_avx2;
+    k.alpha_mix_row = alpha_mix_row_avx2;
     k.matrix_row = matrix_row_avx2;
     k.smooth3x3_row = smooth3x3_row_avx2;
+    k.blur8_filter = blur8_filter_avx2;
     return k;
 }
 

@@ -1,3 +1,4 @@
+#include "jni/blur8.h"
 #include "jni/pixel_kernels.h"
 
 namespace ifc {
@@ -11,8 +12,11 @@ const PixelKernels& scalar_kernels() {
         yuv422_to_rgba_row_c,
         rgb565_to_rgba_row_c,
         gray_row_c,
+        curve_row_c,
+        alpha_mix_row_c,
         matrix_row_c,
         smooth3x3_row_c,
+        blur8_filter_c,
     };
     return kernels;
 }

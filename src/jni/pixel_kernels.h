@@ -74,14 +74,27 @@ void yuv422_to_rgba_row_neon(const uint8_t* vyuy, uint8_t* rgba, int width);
 // Little-endian RGB565 to bytes (r5, g6, b5, 255); fields are not widened.
 void rgb565_to_rgba_row_c(const uint8_t* src, uint8_t* dst, int width);
 void rgb565_to_rgba_row_sse2(const uint8_t* src, uint8_t* dst, int width);
+void rgb565_to_rgba_row_avx2(const uint8_t* src, uint8_t* dst, int width);
 void rgb565_to_rgba_row_neon(const uint8_t* src, uint8_t* dst, int width);
 
 // Filters over `count` pixels `channels` bytes apart; bytes 0..2 written.
 void gray_row_c(const uint8_t* src, uint8_t* dst, int count, int channels);
 void gray_row_sse2(const uint8_t* src, uint8_t* dst, int count, int channels);
+void gray_row_avx2(const uint8_t* src, uint8_t* dst, int count, int channels);
 void gray_row_neon(const uint8_t* src, uint8_t* dst, int count, int channels);
 
 void curve_row_c(const uint8_t* src, uint8_t* dst, int count, int channels, const uint8_t* curve);
+// Same bytes through three tables of whole pixels built per call (4-byte
+// pixels on a little-endian CPU; otherwise the reference row).
+void curve_row_words(const uint8_t* src, uint8_t* dst, int count, int channels, const uint8_t* curve);
+
+// Premultiplied overlay pixels onto image pixels, both 4 bytes apart:
+// image[c] = (image[c] * (255 - overlay[3]) + overlay[c] * 255) / 255 for
+// c = 0..2, stored as a byte; byte 3 kept.
+void alpha_mix_row_c(const uint8_t* overlay, uint8_t* image, int count);
+void alpha_mix_row_sse2(const uint8_t* overlay, uint8_t* image, int count);
+void alpha_mix_row_avx2(const uint8_t* overlay, uint8_t* image, int count);
+void alpha_mix_row_neon(const uint8_t* overlay, uint8_t* image, int count);
 
 // Colour matrix in 16.16 fixed point: k[0..2] weights of byte 0 for outputs
 // 0..2, k[3..5] of byte 1, k[6..8] of byte 2, k[9..11] the offsets (<< 8 done).
@@ -135,8 +148,12 @@ struct PixelKernels {
     void (*yuv422_to_rgba_row)(const uint8_t*, uint8_t*, int);
     void (*rgb565_to_rgba_row)(const uint8_t*, uint8_t*, int);
     void (*gray_row)(const uint8_t*, uint8_t*, int, int);
+    void (*curve_row)(const uint8_t*, uint8_t*, int, int, const uint8_t*);
+    void (*alpha_mix_row)(const uint8_t*, uint8_t*, int);
     void (*matrix_row)(const uint8_t*, uint8_t*, int, int, const MatrixFixed&);
     void (*smooth3x3_row)(const uint8_t*, const uint8_t*, const uint8_t*, uint8_t*, int, int, int);
+    // The recursive blur of a W x H byte plane (see blur8.h).
+    void (*blur8_filter)(uint8_t*, int, int, int);
 };
 
 // Reference kernels only.

@@ -34,11 +34,13 @@ void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, in
     // lands at the end of the row above, as it always has. Bytes outside the
     // buffer are skipped.
     const int64_t capacity = static_cast<int64_t>(image_capacity(image));
+    const auto mix_row = pixel_kernels().alpha_mix_row;
     for (int i = 0; i < rows; ++i) {
         const uint8_t* s = overlay + size_t(i) * ow * 4;
-        for (int j = 0; j < columns; ++j) {
-            const int64_t at = (int64_t{top + i} * iw + x + j) * channels;
-            if (at < 0) continue;
+        const int64_t base = (int64_t{top + i} * iw + x) * channels;
+        auto mix_pixel = [&](int j) {
+            const int64_t at = base + int64_t{j} * channels;
+            if (at < 0) return;
             const uint8_t* sp = s + 4 * j;
             const int keep = 255 - sp[3];
             // Stored as a byte: an overlay brighter than its alpha wraps.
@@ -46,7 +48,16 @@ void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, in
                 uint8_t& d = image->data[at + c];
                 d = static_cast<uint8_t>((d * keep + sp[c] * 255) / 255);
             }
+        };
+        // 4-byte pixels wholly inside the buffer go through the row kernel.
+        int first = 0, last = 0;
+        if (channels == 4 && columns > 0) {
+            first = static_cast<int>(std::min<int64_t>(columns, base >= 0 ? 0 : (3 - base) / 4));
+            last = static_cast<int>(std::clamp<int64_t>(capacity - base < 0 ? 0 : (capacity - base) / 4, first, columns));
         }
+        for (int j = 0; j < first; ++j) mix_pixel(j);
+        if (last > first) mix_row(s + 4 * first, image->data + (base + 4 * first), last - first);
+        for (int j = last; j < columns; ++j) mix_pixel(j);
     }
 }
 

@@ -5,17 +5,20 @@
 namespace ifc {
 
 void yuv422_to_rgba_row_avx2(const uint8_t* vyuy, uint8_t* rgba, int width) {
-    const __m256i low_byte = _mm256_set1_epi16(0xFF);
+    // Per 128-bit lane, groups V, Y0, U, Y1 become 8 luma bytes, then 4
+    // chroma pairs (V, U).
+    const __m256i split =
+        _mm256_broadcastsi128_si256(_mm_setr_epi8(1, 3, 5, 7, 9, 11, 13, 15, 0, 2, 4, 6, 8, 10, 12, 14));
     int x = 0;
     for (; x + 32 <= width; x += 32) {
-        const __m256i w0 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(vyuy + 2 * x));
-        const __m256i w1 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(vyuy + 2 * x + 32));
-        // The in-lane pack yields quarters 0, 2, 1, 3; 0xD8 restores the order.
-        const __m256i y = _mm256_permute4x64_epi64(
-            _mm256_packus_epi16(_mm256_srli_epi16(w0, 8), _mm256_srli_epi16(w1, 8)), 0xD8);
-        const __m256i vu = _mm256_permute4x64_epi64(
-            _mm256_packus_epi16(_mm256_and_si256(w0, low_byte), _mm256_and_si256(w1, low_byte)), 0xD8);
-        yuv32_to_rgba_avx2(y, vu, rgba + 4 * x);
+        const __m256i s0 =
+            _mm256_shuffle_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(vyuy + 2 * x)), split);
+        const __m256i s1 =
+            _mm256_shuffle_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(vyuy + 2 * x + 32)), split);
+        // Lanes hold pixels 0..7, 16..23 | 8..15, 24..31 and their pairs:
+        // the in-lane arithmetic keeps each pixel with its pair.
+        luma32_to_rgba_avx2(_mm256_unpacklo_epi64(s0, s1), chroma_terms_avx2(_mm256_unpackhi_epi64(s0, s1)),
+                            rgba + 4 * x, true);
     }
     yuv422_to_rgba_row_sse2(vyuy + 2 * x, rgba + 4 * x, width - x);
 }

@@ -10,8 +10,11 @@
 
 namespace ifc {
 
-// Interleaves four planes of 32 bytes into 32 pixels at out.
-inline void store_interleaved4_avx2(__m256i p0, __m256i p1, __m256i p2, __m256i p3, uint8_t* out) {
+// Interleaves four planes of 32 bytes into 32 pixels at out. With `split`
+// the planes' 128-bit lanes hold pixels 0..7, 16..23 | 8..15, 24..31 (the
+// order in-lane packs leave) rather than 0..15 | 16..31.
+inline void store_interleaved4_avx2(__m256i p0, __m256i p1, __m256i p2, __m256i p3, uint8_t* out,
+                                    bool split = false) {
     const __m256i a_lo = _mm256_unpacklo_epi8(p0, p1), a_hi = _mm256_unpackhi_epi8(p0, p1);
     const __m256i b_lo = _mm256_unpacklo_epi8(p2, p3), b_hi = _mm256_unpackhi_epi8(p2, p3);
     // Lane 0 holds pixels 0..15, lane 1 pixels 16..31, each in groups of 4.
@@ -20,6 +23,13 @@ inline void store_interleaved4_avx2(__m256i p0, __m256i p1, __m256i p2, __m256i 
     const __m256i q2 = _mm256_unpacklo_epi16(a_hi, b_hi);  // 8..11 | 24..27
     const __m256i q3 = _mm256_unpackhi_epi16(a_hi, b_hi);  // 12..15 | 28..31
     __m256i* dst = reinterpret_cast<__m256i*>(out);
+    if (split) {  // q0..q3 hold 0..3 | 8..11, 4..7 | 12..15, 16..19 | 24..27, 20..23 | 28..31
+        _mm256_storeu_si256(dst + 0, _mm256_permute2x128_si256(q0, q1, 0x20));
+        _mm256_storeu_si256(dst + 1, _mm256_permute2x128_si256(q0, q1, 0x31));
+        _mm256_storeu_si256(dst + 2, _mm256_permute2x128_si256(q2, q3, 0x20));
+        _mm256_storeu_si256(dst + 3, _mm256_permute2x128_si256(q2, q3, 0x31));
+        return;
+    }
     _mm256_storeu_si256(dst + 0, _mm256_permute2x128_si256(q0, q1, 0x20));
     _mm256_storeu_si256(dst + 1, _mm256_permute2x128_si256(q2, q3, 0x20));
     _mm256_storeu_si256(dst + 2, _mm256_permute2x128_si256(q0, q1, 0x31));
@@ -51,8 +61,9 @@ inline ChromaTerms32 chroma_terms_avx2(__m256i vu) {
             _mm256_unpackhi_epi16(uvg, uvg), _mm256_unpacklo_epi16(ub, ub), _mm256_unpackhi_epi16(ub, ub)};
 }
 
-// 32 pixels from 32 luma bytes and the chroma terms they share.
-inline void luma32_to_rgba_avx2(__m256i y, const ChromaTerms32& t, uint8_t* out) {
+// 32 pixels from 32 luma bytes and the chroma terms they share (`split`:
+// luma and chroma in the lane order of store_interleaved4_avx2).
+inline void luma32_to_rgba_avx2(__m256i y, const ChromaTerms32& t, uint8_t* out, bool split = false) {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i ys = _mm256_subs_epu8(y, _mm256_set1_epi8(16));
     const __m256i y8lo = _mm256_slli_epi16(_mm256_unpacklo_epi8(ys, zero), 3);
@@ -66,7 +77,7 @@ inline void luma32_to_rgba_avx2(__m256i y, const ChromaTerms32& t, uint8_t* out)
         return _mm256_packus_epi16(lo, hi);
     };
     store_interleaved4_avx2(channel(t.r_lo, t.r_hi), channel(t.g_lo, t.g_hi), channel(t.b_lo, t.b_hi),
-                            _mm256_set1_epi8(-1), out);
+                            _mm256_set1_epi8(-1), out, split);
 }
 
 // 32 pixels from 32 luma bytes and 16 chroma pairs (V, U), both in order.

@@ -1,6 +1,7 @@
 // Every SIMD kernel against the reference rows, byte for byte, on widths
 // around the SIMD blocks and buffers that end at a guard page; the NV21
-// kernels also over all 2^24 (Y, U, V) triples.
+// kernels also over all 2^24 (Y, U, V) triples, the overlay blend at every
+// edge of the image.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -10,6 +11,7 @@
 #include "guarded_buffer.h"
 #include "image_filter/filters.h"
 #include "jni/pixel_kernels.h"
+#include "jni/qimage_pixels.h"
 
 using ifc::PixelKernels;
 
@@ -52,7 +54,10 @@ TEST_F(PixelKernelsTest, SimdRowsMatchReference) {
         fixed.emplace_back();
         for (int32_t& k : fixed.back().k) k = static_cast<int32_t>(random());
     }
-    for (int width : {1, 2, 3, 7, 8, 9, 16, 17, 18, 25, 33, 640, 1921}) {
+    std::vector<uint8_t> curve(768);
+    std::mt19937 curve_random(9);
+    for (uint8_t& entry : curve) entry = static_cast<uint8_t>(curve_random());
+    for (int width : {1, 2, 3, 7, 8, 9, 16, 17, 18, 25, 31, 33, 40, 255, 256, 257, 640, 1921}) {
         const size_t w = width;
         GuardedBuffer y(w), vu((w + 1) / 2 * 2), packed(2 * w + (w & 1)), rgb565(2 * w);
         y.randomize(width);
@@ -99,6 +104,30 @@ TEST_F(PixelKernelsTest, SimdRowsMatchReference) {
                         k.matrix_row(pixels, out, width, channels, f);
                     });
                 }
+                expect_variants_match("curve", width, row, [&](const PixelKernels& k, uint8_t* out) {
+                    k.curve_row(pixels, out, width, channels, curve.data());
+                });
+                if (channels != 4) continue;
+                // The overlay from the first row, the image from the last,
+                // blended in place.
+                expect_variants_match("alpha_mix", width, row, [&](const PixelKernels& k, uint8_t* out) {
+                    std::memcpy(out, pixels, row);
+                    k.alpha_mix_row(above, out, width);
+                });
+            }
+        }
+
+        // The recursive blur over planes of this width: heights around the
+        // 8-row blocks, the weakest and strongest weights.
+        for (int height : {1, 2, 7, 9, 17}) {
+            const size_t bytes = w * height;
+            GuardedBuffer plane(bytes);
+            plane.randomize(width * 7 + height);
+            for (int a : {9226, 53868, 65535}) {
+                expect_variants_match("blur8", width, bytes, [&](const PixelKernels& k, uint8_t* out) {
+                    std::memcpy(out, plane.data(), bytes);
+                    k.blur8_filter(out, width, height, a);
+                });
             }
         }
 
@@ -117,6 +146,42 @@ TEST_F(PixelKernelsTest, SimdRowsMatchReference) {
             ifc::histogram_channels_fast(src, got.data());
             EXPECT_TRUE(want == got) << "channel histogram " << width << "x" << height;
         }
+    }
+}
+
+// The overlay blend, whose SIMD rows take only the pixels wholly inside the
+// buffer, against the per-byte formula at placements that cross every edge.
+TEST_F(PixelKernelsTest, AlphaMixMatchesFormulaAtEveryEdge) {
+    constexpr int kW = 45, kH = 12, kOw = 37, kOh = 9;
+    GuardedBuffer overlay(size_t(kOw) * kOh * 4);
+    overlay.randomize(3);
+    struct Placement {
+        int x, y;
+        uint32_t capacity;  // of the image buffer: less than the pixels for a short header
+    };
+    const Placement placements[] = {
+        {0, kH / 2, kW * kH * 4},  {-30, 0, kW * kH * 4},   {20, 10, kW * kH * 4},
+        {-50, 3, kW * kH * 4},     {5, 6, kW * kH * 4 - 13}, {3, 8, 41 * 4 + 2}, {kW, 4, kW * kH * 4},
+    };
+    for (const Placement& p : placements) {
+        GuardedBuffer want(p.capacity), got(p.capacity);
+        want.randomize(p.x + 100);
+        std::memcpy(got.data(), want.data(), p.capacity);
+        _Image image{got.data(), p.capacity, kW, kH, 4, kW * 4, 0x01020304, 0, nullptr};
+        ifc::alpha_mix_overlay(&image, overlay.data(), kOw, kOh, p.x, p.y);
+        const int top = p.y - kOh / 2;
+        for (int i = 0; i < kOh && top + i < kH; ++i) {
+            for (int j = 0; j < kOw && p.x + j < kW; ++j) {
+                const int64_t at = (int64_t{top + i} * kW + p.x + j) * 4;
+                const uint8_t* s = overlay.data() + (i * kOw + j) * 4;
+                for (int c = 0; c < 3; ++c) {
+                    if (at < 0 || at + c >= p.capacity) continue;
+                    uint8_t& d = want.data()[at + c];
+                    d = static_cast<uint8_t>((d * (255 - s[3]) + s[c] * 255) / 255);
+                }
+            }
+        }
+        EXPECT_TRUE(want == got) << "overlay at " << p.x << ", " << p.y << " capacity " << p.capacity;
     }
 }
 
