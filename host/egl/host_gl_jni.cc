@@ -1,5 +1,6 @@
 // JNI side of com.lumeric.host.HostGL: lets Java tests and the demo own a
 // headless GL context on their thread.
+#include <GLES2/gl2.h>
 #include <jni.h>
 
 #include <string>
@@ -26,6 +27,12 @@ JNIEXPORT jboolean JNICALL Java_com_lumeric_host_HostGL_nativeMakeCurrent(JNIEnv
 
 JNIEXPORT void JNICALL Java_com_lumeric_host_HostGL_nativeDestroy(JNIEnv*, jclass, jlong handle) {
     delete reinterpret_cast<ifc_host::HeadlessGL*>(static_cast<intptr_t>(handle));
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_host_HostGL_nativeMaxTextureSize(JNIEnv*, jclass) {
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    return limit;
 }
 
 }  // extern "C"

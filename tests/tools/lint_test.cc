@@ -130,11 +130,12 @@ TEST_F(LintTest, ReportsEachKindOfBrokenPackage) {
         {copy, tooltest::glDescription("aes0a1"), "hex payload"},
         {copy, tooltest::glDescription("\n" + sealedHfe(kPlainFragment)), "white space before the protected text"},
         {copy, tooltest::glDescription(sealedHfe("void main() { oops; }")), "does not compile"},
-        // The fragment reads a varying the vertex shader never writes.
+        // The stages disagree on a varying's type: a link error on every
+        // conforming compiler (an unwritten varying is not: some accept it).
         {copy,
-         tooltest::glDescription("precision mediump float; varying vec2 elsewhere; uniform sampler2D "
+         tooltest::glDescription("precision mediump float; varying vec3 uv; uniform sampler2D "
                                  "inputImageTexture; void main() { gl_FragColor = texture2D(inputImageTexture, "
-                                 "elsewhere); }"),
+                                 "uv.xy); }"),
          "do not link"},
         {"filter/gl/blend.xml", tooltest::glDescription(sealedHfe(widthAsFloat)), "uniform width must be a int"},
         {leaf, leafWith("<param><name>tint</name><float>1</float></param>"), "no uniform tint in filter/gl/blend.xml"},

@@ -24,6 +24,11 @@ public final class HostGL implements AutoCloseable {
         return nativeMakeCurrent(handle);
     }
 
+    /** GL_MAX_TEXTURE_SIZE of the current context. */
+    public static int maxTextureSize() {
+        return nativeMaxTextureSize();
+    }
+
     @Override
     public void close() {
         if (handle != 0) {
@@ -35,4 +40,5 @@ public final class HostGL implements AutoCloseable {
     private static native long nativeCreate(int width, int height);
     private static native boolean nativeMakeCurrent(long handle);
     private static native void nativeDestroy(long handle);
+    private static native int nativeMaxTextureSize();
 }
