@@ -10,10 +10,26 @@ find_package(Java 17 REQUIRED COMPONENTS Development)
 get_filename_component(IFC_JAVAC_REAL ${Java_JAVAC_EXECUTABLE} REALPATH)
 get_filename_component(IFC_JAVA_HOME ${IFC_JAVAC_REAL} DIRECTORY)
 get_filename_component(IFC_JAVA_HOME ${IFC_JAVA_HOME} DIRECTORY)
-find_path(IFC_JNI_INCLUDE jni.h HINTS ${IFC_JAVA_HOME}/include REQUIRED NO_DEFAULT_PATH)
+# The host JDK's jni.h serves cross builds too (jni_md.h picks jlong per ABI).
+find_path(IFC_JNI_INCLUDE jni.h HINTS ${IFC_JAVA_HOME}/include REQUIRED NO_DEFAULT_PATH
+  NO_CMAKE_FIND_ROOT_PATH)
 add_library(ifc_jni INTERFACE)
 target_include_directories(ifc_jni SYSTEM INTERFACE ${IFC_JNI_INCLUDE} ${IFC_JNI_INCLUDE}/linux)
 add_library(ifc::jni ALIAS ifc_jni)
+
+# The JVM that runs the JUnit suite and the demo: the host's, or in a cross
+# build the sysroot's own JVM through the test emulator. Classes are compiled
+# once by the host JDK either way. The JVM then spawns children directly
+# (jspawnhelper would be a target program).
+if(CMAKE_CROSSCOMPILING)
+  file(GLOB IFC_TARGET_JAVA ${IFC_SYSROOT}/usr/lib/jvm/java-17-openjdk-*/bin/java)
+  if(IFC_TARGET_JAVA)
+    set(IFC_JAVA_COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} ${IFC_TARGET_JAVA}
+      -Djdk.lang.Process.launchMechanism=VFORK)
+  endif()
+else()
+  set(IFC_JAVA_COMMAND ${Java_JAVA_EXECUTABLE})
+endif()
 
 find_library(IFC_ANDROID_LOG log
   PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android NO_DEFAULT_PATH REQUIRED)

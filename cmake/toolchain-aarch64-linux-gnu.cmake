@@ -1,10 +1,8 @@
-# Cross build for arm64 with Debian's cross compiler; tests run under qemu-user.
-set(CMAKE_SYSTEM_NAME Linux)
+# Cross build for arm64 with Debian's cross compiler; tests run under
+# qemu-user, from the sysroot of scripts/sysroot arm64 when one is given.
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+set(IFC_CROSS_TRIPLE aarch64-linux-gnu)
+set(IFC_CROSS_MULTIARCH aarch64-linux-gnu)
+set(IFC_CROSS_ABI arm64)
+set(IFC_CROSS_QEMU qemu-aarch64)
+include(${CMAKE_CURRENT_LIST_DIR}/cross-sysroot.cmake)

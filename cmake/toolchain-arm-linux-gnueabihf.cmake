@@ -1,11 +1,9 @@
 # Cross build for 32-bit ARM (armv7-a, hard float) with Debian's cross
-# compiler; the NEON files add -mfpu=neon. Tests run under qemu-user.
-set(CMAKE_SYSTEM_NAME Linux)
+# compiler; the NEON files add -mfpu=neon. Tests run under qemu-user, from the
+# sysroot of scripts/sysroot armhf when one is given.
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
-set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
-set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
-set(CMAKE_FIND_ROOT_PATH /usr/arm-linux-gnueabihf)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm -L /usr/arm-linux-gnueabihf)
+set(IFC_CROSS_TRIPLE arm-linux-gnueabihf)
+set(IFC_CROSS_MULTIARCH arm-linux-gnueabihf)
+set(IFC_CROSS_ABI armhf)
+set(IFC_CROSS_QEMU qemu-arm)
+include(${CMAKE_CURRENT_LIST_DIR}/cross-sysroot.cmake)

@@ -130,4 +130,10 @@ JNIEXPORT void JNICALL Java_com_lumeric_host_HostGL_nativeReadTexture(JNIEnv* en
     env->SetIntArrayRegion(argb, 0, static_cast<jsize>(count), pixels.data());
 }
 
+JNIEXPORT jint JNICALL Java_com_lumeric_host_HostGL_nativeMaxTextureSize(JNIEnv*, jclass) {
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    return limit;
+}
+
 }  // extern "C"

@@ -2,6 +2,7 @@
 // whose pixels live in a direct ByteBuffer so a locked address stays valid.
 // Locks are counted in the Bitmap's "lockCount" so tests can see a bitmap
 // left locked; Bitmap.failNextLocks() makes locking fail on purpose.
+// Implements the NDK's own <android/bitmap.h> as Debian ships it.
 #include <android/bitmap.h>
 
 #define EXPORT __attribute__((visibility("default")))
@@ -38,7 +39,6 @@ int bytesPerPixel(int format) {
         case ANDROID_BITMAP_FORMAT_RGB_565: return 2;
         case ANDROID_BITMAP_FORMAT_RGBA_4444: return 2;
         case ANDROID_BITMAP_FORMAT_A_8: return 1;
-        case ANDROID_BITMAP_FORMAT_RGBA_F16: return 8;
         default: return 4;
     }
 }

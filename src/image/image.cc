@@ -1,10 +1,33 @@
 // The _Image record: constructors, initialisers and release.
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 
 #include "image/borrowed_pixels.h"
 #include "image/image_internal.h"
+
+// The records are shared by layout with the app's other native code: 32-bit
+// words in this order, pointers full width. On a 32-bit ABI _Image is nine
+// words (36 bytes) with `data` first and `markers` last, a marker node four.
+namespace {
+constexpr size_t kPointer = sizeof(void*);
+static_assert(offsetof(_Image, data) == 0 && offsetof(_Image, size) == kPointer &&
+              offsetof(_Image, width) == kPointer + 4 && offsetof(_Image, height) == kPointer + 8 &&
+              offsetof(_Image, channels) == kPointer + 12 && offsetof(_Image, stride) == kPointer + 16 &&
+              offsetof(_Image, layout) == kPointer + 20 && offsetof(_Image, reserved) == kPointer + 24,
+              "_Image words in order after the data pointer");
+static_assert(offsetof(_Image, markers) == (kPointer == 4 ? 32 : 40) && sizeof(_Image) == (kPointer == 4 ? 36 : 48),
+              "_Image: nine 32-bit words on a 32-bit ABI");
+static_assert(offsetof(_ImageMarker, id) == 0 && offsetof(_ImageMarker, data) == kPointer &&
+              offsetof(_ImageMarker, length) == 2 * kPointer &&
+              offsetof(_ImageMarker, next) == 3 * kPointer && sizeof(_ImageMarker) == 4 * kPointer,
+              "_ImageMarker: four words, 16 bytes on a 32-bit ABI");
+static_assert(sizeof(MRect) == 16 && offsetof(MRect, x) == 0 && offsetof(MRect, y) == 4 &&
+                  offsetof(MRect, width) == 8 && offsetof(MRect, height) == 12,
+              "MRect: x, y, width, height as 32-bit words");
+static_assert(kPointer == 4 || kPointer == 8, "32-bit or 64-bit ABIs only");
+}  // namespace
 
 namespace ifc {
 

@@ -90,7 +90,10 @@ jobject jniNewObject(JNIEnv* env, jclass clazz, jmethodID constructor, ...);
 // pixels holding `capacity` bytes; returns the bytes copied.
 size_t copyImageToPixels(const _Image* image, void* pixels, size_t capacity);
 
-// Java long <-> native pointer, full width on every ABI.
+// Java long <-> native pointer, full width on every ABI. On a 32-bit ABI the
+// long holds the address sign-extended, and the low 32 bits are read back.
+static_assert(sizeof(intptr_t) == sizeof(void*) && sizeof(void*) <= sizeof(jlong),
+              "a native pointer fits a Java long");
 template <typename T>
 inline jlong toJavaHandle(T* p) { return static_cast<jlong>(reinterpret_cast<intptr_t>(p)); }
 template <typename T>

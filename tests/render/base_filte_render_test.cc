@@ -116,10 +116,15 @@ TEST_F(BaseFilteRenderTest, ExternalTextureTarget) {
                                     reinterpret_cast<EGLClientBuffer>(static_cast<uintptr_t>(source.name())),
                                     nullptr);
     ASSERT_NE(EGL_NO_IMAGE_KHR, image);
+    // The source's texels are final before another target reads them.
+    glFinish();
     GLuint external = 0;
     glGenTextures(1, &external);
     glBindTexture(GL_TEXTURE_EXTERNAL_OES, external);
+    glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     targetTexture(GL_TEXTURE_EXTERNAL_OES, image);
+    ASSERT_EQ(GLenum(GL_NO_ERROR), glGetError());
 
     BaseFilteRender render(GL_TEXTURE_EXTERNAL_OES);
     render.setFragmentShaderSource(

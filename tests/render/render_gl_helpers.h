@@ -20,11 +20,13 @@ public:
     ScopedTexture(int width, int height, const void* rgba, GLenum filter = GL_NEAREST) {
         glGenTextures(1, &name_);
         glBindTexture(GL_TEXTURE_2D, name_);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        // Complete (no mipmap filter) before the storage is defined: some
+        // drivers fix an EGLImage's source at that point.
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
         glBindTexture(GL_TEXTURE_2D, 0);
     }
     ~ScopedTexture() { glDeleteTextures(1, &name_); }

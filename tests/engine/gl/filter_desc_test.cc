@@ -1,6 +1,7 @@
 #include <tinyxml2.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -176,7 +177,8 @@ TEST_F(FilterDescTest, WrapperFrameLeavesTheFilterTargetAndInputUnitsBound) {
 }
 
 // Live textures, framebuffers, programs and shaders, found by probing every
-// name up to the next fresh one (Mesa hands out increasing names).
+// name up to a fresh one or 4096, whichever is higher: a driver may hand out
+// freed low names again, so a fresh name does not bound the live ones.
 std::vector<int> countLiveObjects() {
     // A deleted program stays alive while it is current; drop that binding.
     glUseProgram(0);
@@ -184,11 +186,13 @@ std::vector<int> countLiveObjects() {
     glGenTextures(1, &probe[0]);
     glGenFramebuffers(1, &probe[1]);
     const GLuint program = glCreateProgram();
+    const GLuint last = std::max({probe[0], probe[1], program, GLuint{4096}});
     std::vector<int> live(4);
-    for (GLuint name = 1; name < probe[0]; ++name) live[0] += glIsTexture(name) ? 1 : 0;
-    for (GLuint name = 1; name < probe[1]; ++name) live[1] += glIsFramebuffer(name) ? 1 : 0;
-    for (GLuint name = 1; name < program; ++name) {
-        live[2] += glIsProgram(name) ? 1 : 0;
+    for (GLuint name = 1; name < last; ++name) {
+        // Programs and shaders share one namespace; the probes are not counted.
+        live[0] += name != probe[0] && glIsTexture(name) ? 1 : 0;
+        live[1] += name != probe[1] && glIsFramebuffer(name) ? 1 : 0;
+        live[2] += name != program && glIsProgram(name) ? 1 : 0;
         live[3] += glIsShader(name) ? 1 : 0;
     }
     glDeleteTextures(1, &probe[0]);

@@ -77,6 +77,11 @@ public final class HostGL implements AutoCloseable {
         }
     }
 
+    /** GL_MAX_TEXTURE_SIZE of the current context. */
+    public static int maxTextureSize() {
+        return nativeMaxTextureSize();
+    }
+
     @Override
     public void close() {
         if (handle != 0) {
@@ -92,4 +97,5 @@ public final class HostGL implements AutoCloseable {
     private static native void nativeFillTexture(int texture, int width, int height, int[] argb);
     private static native void nativeReadTexture(int texture, int width, int height, int[] argb);
     private static native void nativeDeleteTexture(int texture);
+    private static native int nativeMaxTextureSize();
 }
