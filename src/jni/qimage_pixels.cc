@@ -9,7 +9,11 @@ namespace ifc {
 
 namespace {
 
-bool is_header(const _Image* image) { return image->size == 0 && image->data != nullptr; }
+// A header spans stride x height bytes of a bitmap; a constructed image of
+// zero bytes (a zero or negative row size) owns its one-byte buffer instead.
+bool is_header(const _Image* image) {
+    return image->size == 0 && image->data != nullptr && int64_t{image->stride} * image->height > 0;
+}
 
 // A header's pixels belong to a locked bitmap: only the record is ours.
 void release_image(_Image* image) {
@@ -39,11 +43,14 @@ _Image* frame_image_for(_Image* current, int width, int height) {
 }
 
 void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, int x, int y) {
-    const int iw = image->width, ih = image->height, channels = image->channels;
-    // x names the left edge but y the vertical centre; intended.
-    const int top = y - (oh >> 1);
-    const int columns = x + ow > iw ? iw - x : ow;
-    const int rows = top + oh > ih ? ih - top : oh;
+    const int64_t iw = image->width, ih = image->height, channels = image->channels;
+    // A record without channels holds no pixels.
+    if (channels < 1) return;
+    // x names the left edge but y the vertical centre; intended. Edges are
+    // computed wide: Java may pass any int position and any image size.
+    const int64_t top = int64_t{y} - (oh >> 1);
+    const int64_t columns = x + int64_t{ow} > iw ? iw - x : ow;
+    const int64_t rows = top + oh > ih ? ih - top : oh;
     // Only the right and bottom edges are clipped: a pixel left of the image
     // lands at the end of the row above, as it always has. Bytes outside the
     // buffer are skipped.
@@ -51,8 +58,10 @@ void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, in
     for (int i = 0; i < rows; ++i) {
         const uint8_t* s = overlay + size_t(i) * ow * 4;
         for (int j = 0; j < columns; ++j) {
-            const int64_t at = (int64_t{top + i} * iw + x + j) * channels;
-            if (at < 0) continue;
+            const int64_t pixel = (top + i) * iw + x + j;
+            // A pixel at or past the capacity has no byte in the buffer.
+            if (pixel < 0 || pixel >= capacity) continue;
+            const int64_t at = pixel * channels;
             const uint8_t* sp = s + 4 * j;
             const int keep = 255 - sp[3];
             // Stored as a byte: an overlay brighter than its alpha wraps.
