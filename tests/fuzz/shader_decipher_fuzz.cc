@@ -11,8 +11,9 @@
 
 namespace {
 
-// Longest input cut at every prefix: the cuts cost n^2.
-constexpr size_t kMaxCut = 512;
+// Longest start of the input cut at every prefix: each cut may decipher or
+// allocate as much as its whole text says, so the cuts cost n^2.
+constexpr size_t kMaxCut = 64;
 
 void decipher(const std::string& text) {
     char* plain = decipherShaderSource(text.c_str());
