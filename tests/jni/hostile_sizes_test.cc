@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "image_filter/filters.h"
 #include "jni/blur8.h"
 #include "jni/frame_checks.h"
 #include "jni/qimage_pixels.h"
@@ -77,6 +78,32 @@ TEST(HostileSizes, NegativeSizedRecordsAreNeitherOverrunNorLeaked) {
     ASSERT_NE(nullptr, image);
     EXPECT_EQ(8, image->stride);
     free_image(&image);
+}
+
+// A constructed image owns `size` bytes even where its width, height and
+// stride promise more (an explicit small stride, negative sizes).
+TEST(HostileSizes, FiltersWriteOnlyTheBytesAnImageOwns) {
+    _Image* source = create_image(4, 3, 4, -1);
+    for (int i = 0; i < 48; ++i) source->data[i] = static_cast<uint8_t>(i + 1);
+    _Image* shortRows = create_image(4, 3, 4, 4);  // 12 bytes for 48 bytes of pixels
+    _Image* negative = create_image(-1, -3, 5, -5);  // 12 bytes for 15 bytes of pixels
+    for (_Image* destination : {shortRows, negative}) {
+        ASSERT_EQ(12u, destination->size);
+        std::memset(destination->data, 0, 12);
+        const float identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+        image_filter_matrix(source, destination, identity);
+        image_filter_gray(source, destination);
+        image_filter_gauss_channel(source, destination, 0);
+    }
+    // The matrix wrote bytes 0..2 of the three whole pixels, the gray filter
+    // then the same bytes, and the smoothing nothing (its rows do not fit).
+    uint8_t gray[12] = {};
+    _Image header{gray, 0, 3, 1, 4, 0, 0, 0, nullptr};
+    image_filter_gray(source, &header);
+    EXPECT_EQ(0, std::memcmp(gray, shortRows->data, 12));
+    free_image(&negative);
+    free_image(&shortRows);
+    free_image(&source);
 }
 
 }  // namespace
