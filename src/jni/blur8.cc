@@ -66,7 +66,9 @@ void blur8_filter_c(uint8_t* T, int W, int H, int A) {
 void blur8_filter(uint8_t* T, int W, int H, int A) { pixel_kernels().blur8_filter(T, W, H, A); }
 
 _Image* blur8_image(const _Image* source, int scale, int sigma) {
-    if (!source || !source->data || scale < 1 || source->width < 0 || source->height < 0) return nullptr;
+    // A record without channels holds no pixels, however large it claims to be.
+    if (!source || !source->data || scale < 1 || source->width < 0 || source->height < 0 || source->channels < 1)
+        return nullptr;
     const int W = source->width / scale;
     const int H = source->height / scale;
     _Image* result = create_image(W, H, source->channels, -1);

@@ -34,7 +34,7 @@ void blur8_columns_c(uint8_t* T, int W, int H, int x0, int x1, int A);
 
 // New image of (width / scale) x (height / scale), source channels, zeroed,
 // byte 0 of each pixel the blurred channel (written contiguously, not at the
-// padded stride). Null when scale < 1 or the source has no pixels.
+// padded stride). Null when scale < 1 or the source has no pixels or channels.
 _Image* blur8_image(const _Image* source, int scale, int sigma);
 
 }  // namespace ifc

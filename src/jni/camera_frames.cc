@@ -102,6 +102,9 @@ int even_step(int step) { return step > 0 && (step & 1) && step < INT_MAX ? step
 
 void nv21_to_yuva_decimated(const uint8_t* frame, int width, int height, int step, uint8_t* out) {
     const int w = width / step, h = height / step;
+    // No output pixels: nothing to walk (a zero width with a tall frame
+    // would otherwise spin through every empty row).
+    if (w <= 0 || h <= 0) return;
     const int half = step / 2;
     for (int j = 0; j < h; ++j) {
         const uint8_t* luma = frame + int64_t{j} * step * width;

@@ -11,9 +11,13 @@ namespace {
 
 int64_t pixel_count(const _Image* image) { return int64_t{image->width} * image->height; }
 
-// Bytes a filter may touch: the pixels taken as contiguous, or more when the
-// record says its buffer is larger.
+// Bytes a filter may touch. A constructed image owns exactly `size` bytes,
+// whatever its width, height and stride say; a header over a caller's
+// buffer promises its pixels taken as contiguous, or more when its rows
+// say the buffer is larger.
 int64_t buffer_bytes(const _Image* image) {
+    if (image->size > 0) return image->size;
+    if (image->width <= 0 || image->height <= 0) return 0;
     return std::max<int64_t>(pixel_count(image) * image->channels, static_cast<int64_t>(ifc::image_capacity(image)));
 }
 
@@ -35,11 +39,13 @@ void filter_pixels(const _Image* source, _Image* destination, Fast fast, Referen
     reference(source->data + whole * channels, destination->data + whole * channels, static_cast<int>(count - whole));
 }
 
-// The smoothing reads and writes one byte per pixel inside the image.
+// The smoothing reads and writes one byte per pixel inside the image, rows
+// taken as the source's width x channels bytes apart in both buffers.
 bool fits(const _Image* source, const _Image* destination) {
     return source && destination && source->data && destination->data && source->width > 0 &&
            source->height > 0 && source->channels >= 1 && destination->channels >= source->channels &&
-           pixel_count(destination) >= pixel_count(source);
+           pixel_count(destination) >= pixel_count(source) &&
+           std::min(buffer_bytes(source), buffer_bytes(destination)) >= pixel_count(source) * source->channels;
 }
 
 }  // namespace

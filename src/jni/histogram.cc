@@ -19,7 +19,13 @@ int readable_pixels(const HistogramSource& src, int y) {
 template <typename RowFn>
 void for_each_row(const HistogramSource& src, RowFn row_fn) {
     if (!src.data || src.width <= 0) return;
-    for (int y = 0; y < src.height; ++y) row_fn(src.data + y * src.stride, readable_pixels(src, y));
+    for (int y = 0; y < src.height; ++y) {
+        const int n = readable_pixels(src, y);
+        // Rows only move further out of the buffer: a tall image over a
+        // small buffer stops here instead of walking every empty row.
+        if (n == 0) return;
+        row_fn(src.data + y * src.stride, n);
+    }
 }
 
 }  // namespace

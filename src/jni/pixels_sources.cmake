@@ -3,5 +3,6 @@
 include(${CMAKE_CURRENT_LIST_DIR}/pixels_kernels.cmake)
 ifc_add_pixel_kernels(ifc_objects)
 target_sources(ifc_objects PRIVATE
+  jni/frame_checks.cc
   jni/qimage_pixels_natives.cc
   jni/qimage_filter_natives.cc)

@@ -25,11 +25,14 @@ _Image* frame_image_for(_Image* current, int width, int height) {
 }
 
 void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, int x, int y) {
-    const int iw = image->width, ih = image->height, channels = image->channels;
-    // x names the left edge but y the vertical centre; intended.
-    const int top = y - (oh >> 1);
-    const int columns = x + ow > iw ? iw - x : ow;
-    const int rows = top + oh > ih ? ih - top : oh;
+    const int64_t iw = image->width, ih = image->height, channels = image->channels;
+    // A record without channels holds no pixels.
+    if (channels < 1) return;
+    // x names the left edge but y the vertical centre; intended. Edges are
+    // computed wide: Java may pass any int position and any image size.
+    const int64_t top = int64_t{y} - (oh >> 1);
+    const int64_t columns = x + int64_t{ow} > iw ? iw - x : ow;
+    const int64_t rows = top + oh > ih ? ih - top : oh;
     // Only the right and bottom edges are clipped: a pixel left of the image
     // lands at the end of the row above, as it always has. Bytes outside the
     // buffer are skipped.
@@ -37,7 +40,7 @@ void alpha_mix_overlay(_Image* image, const uint8_t* overlay, int ow, int oh, in
     const auto mix_row = pixel_kernels().alpha_mix_row;
     for (int i = 0; i < rows; ++i) {
         const uint8_t* s = overlay + size_t(i) * ow * 4;
-        const int64_t base = (int64_t{top + i} * iw + x) * channels;
+        const int64_t base = ((int64_t{top} + i) * iw + x) * channels;
         auto mix_pixel = [&](int j) {
             const int64_t at = base + int64_t{j} * channels;
             if (at < 0) return;

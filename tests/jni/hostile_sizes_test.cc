@@ -1,0 +1,109 @@
+// Sizes Java can pass that no camera or bitmap produces: products that
+// overflow, zero widths with huge heights, records with negative sizes or
+// no channels. Each must be refused or do nothing, quickly and inside its
+// buffers (the sanitizer build checks the memory, CTest's timeout the time).
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <vector>
+
+#include "image_filter/filters.h"
+#include "jni/blur8.h"
+#include "jni/frame_checks.h"
+#include "jni/qimage_pixels.h"
+
+namespace {
+
+using ifc::FrameCheck;
+using ifc::FrameFormat;
+
+TEST(HostileSizes, FrameChecksRefuseInTheNativesOrder) {
+    struct Case {
+        FrameFormat format;
+        int width, height, step;
+        bool data;
+        int64_t length;
+        FrameCheck expected;
+    };
+    const Case cases[] = {
+        // w * h * 4 overflows 64 bits when computed as it reads.
+        {FrameFormat::kNv21Rgba, INT_MAX, INT_MAX, 1, true, INT_MAX, FrameCheck::kSizeOutOfRange},
+        {FrameFormat::kRgb565, 32768, 16384, 1, true, INT_MAX, FrameCheck::kSizeOutOfRange},  // 2^31 bytes out
+        {FrameFormat::kRgb565, 32767, 16384, 1, true, int64_t{32767} * 16384 * 2, FrameCheck::kOk},
+        {FrameFormat::kNv21Decimated, -1, 4, 0, false, 0, FrameCheck::kBadStep},  // step before anything else
+        {FrameFormat::kNv21Decimated, -1, 4, 2, false, 0, FrameCheck::kSizeOutOfRange},
+        {FrameFormat::kNv21Rgba, -1, 4, 1, false, 0, FrameCheck::kNullData},
+        {FrameFormat::kYuv422, 4, 4, 1, true, 31, FrameCheck::kTooShort},
+        {FrameFormat::kNv21Yuva, 3, 3, 1, true, 13, FrameCheck::kOk},  // 27/2 rounds down; the walk reads 15
+    };
+    for (const Case& c : cases) {
+        ifc::FramePlan plan{};
+        EXPECT_EQ(c.expected, ifc::check_frame(c.format, c.width, c.height, c.step, c.data, c.length, &plan))
+            << c.width << "x" << c.height << " step " << c.step;
+    }
+}
+
+TEST(HostileSizes, EmptyOutputsReturnAtOnce) {
+    // A zero-width decimated frame of a billion rows converts to nothing.
+    ifc::FramePlan plan{};
+    ASSERT_EQ(FrameCheck::kOk, ifc::check_frame(FrameFormat::kNv21Decimated, 0, 1447035136, 1, true, 0, &plan));
+    uint8_t out[4] = {1, 2, 3, 4};
+    ifc::convert_checked_frame(plan, out, 0, out);
+    EXPECT_EQ(0, std::memcmp(out, "\1\2\3\4", 4));
+
+    // One byte behind a record a billion rows tall: no bins, no row walk.
+    _Image* tall = create_image(1, 1 << 30, 0, 0);
+    ASSERT_NE(nullptr, tall);
+    uint32_t bins[768] = {};
+    ifc::image_histogram(tall, bins, true);
+    EXPECT_EQ(std::vector<uint32_t>(768, 0), std::vector<uint32_t>(bins, bins + 768));
+
+    // No channels: no pixels to blur, however large the record says it is.
+    _Image* wide = create_image(1 << 17, 1 << 17, 0, 0);
+    EXPECT_EQ(nullptr, ifc::blur8_image(wide, 1, 3));
+    free_image(&wide);
+    free_image(&tall);
+}
+
+TEST(HostileSizes, NegativeSizedRecordsAreNeitherOverrunNorLeaked) {
+    // CreateImage(-1, -2, 1): a positive pixel count over a zero-byte buffer.
+    _Image* image = create_image(-1, -2, 1, -1);
+    ASSERT_NE(nullptr, image);
+    const uint8_t overlay[4 * 4] = {255, 255, 255, 255};
+    ifc::alpha_mix_overlay(image, overlay, 2, 2, INT_MAX, INT_MIN);
+    ifc::alpha_mix_overlay(image, overlay, 2, 2, INT_MIN, INT_MAX);
+    // Replacing it releases its one-byte buffer (LeakSanitizer checks).
+    image = ifc::frame_image_for(image, 2, 2);
+    ASSERT_NE(nullptr, image);
+    EXPECT_EQ(8, image->stride);
+    free_image(&image);
+}
+
+// A constructed image owns `size` bytes even where its width, height and
+// stride promise more (an explicit small stride, negative sizes).
+TEST(HostileSizes, FiltersWriteOnlyTheBytesAnImageOwns) {
+    _Image* source = create_image(4, 3, 4, -1);
+    for (int i = 0; i < 48; ++i) source->data[i] = static_cast<uint8_t>(i + 1);
+    _Image* shortRows = create_image(4, 3, 4, 4);  // 12 bytes for 48 bytes of pixels
+    _Image* negative = create_image(-1, -3, 5, -5);  // 12 bytes for 15 bytes of pixels
+    for (_Image* destination : {shortRows, negative}) {
+        ASSERT_EQ(12u, destination->size);
+        std::memset(destination->data, 0, 12);
+        const float identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+        image_filter_matrix(source, destination, identity);
+        image_filter_gray(source, destination);
+        image_filter_gauss_channel(source, destination, 0);
+    }
+    // The matrix wrote bytes 0..2 of the three whole pixels, the gray filter
+    // then the same bytes, and the smoothing nothing (its rows do not fit).
+    uint8_t gray[12] = {};
+    _Image header{gray, 0, 3, 1, 4, 0, 0, 0, nullptr};
+    image_filter_gray(source, &header);
+    EXPECT_EQ(0, std::memcmp(gray, shortRows->data, 12));
+    free_image(&negative);
+    free_image(&shortRows);
+    free_image(&source);
+}
+
+}  // namespace
