@@ -10,8 +10,10 @@
 #include "engine/gl/shader_origin.h"
 
 // All "filter" children come first, then all "relation" children, wherever
-// they stand in the document.
+// they stand in the document. Under the package lock: an included package's
+// node is shared with other threads.
 void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
+    const std::lock_guard<std::recursive_mutex> lock(HFFilterPackage_lock());
     for (tinyxml2::XMLElement* child = element->FirstChildElement("filter"); child != nullptr;
          child = child->NextSiblingElement("filter")) {
         shared_ptr<IHFFilterNode> node;
@@ -49,18 +51,27 @@ void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
 
 // Relations are applied after every child is in place and without clearMap,
 // so each replaces the default chain link only at the slot it names.
+// Builds from a copy taken under the package lock, so that no lock is held
+// while the children compile their shaders.
 shared_ptr<IHFFilter> HFFilterModelNode::createFilter() {
-    if (!complete) return shared_ptr<IHFFilter>();
+    std::vector<shared_ptr<IHFFilterNode>> childNodes;
+    std::vector<int32_t> outputs, inputs, indices;
+    {
+        const std::lock_guard<std::recursive_mutex> lock(HFFilterPackage_lock());
+        if (!complete) return shared_ptr<IHFFilter>();
+        childNodes = children;
+        outputs = relationOutputs;
+        inputs = relationInputs;
+        indices = relationIndices;
+    }
     const HFPackageScope package(name);
     shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
-    for (const shared_ptr<IHFFilterNode>& node : children) {
+    for (const shared_ptr<IHFFilterNode>& node : childNodes) {
         shared_ptr<IHFFilter> filter = node->createFilter();
         // A missing child would shift every index the relations use.
         if (!filter) return shared_ptr<IHFFilter>();
         composite->addFilter(filter);
     }
-    for (size_t i = 0; i < relationOutputs.size(); ++i) {
-        composite->addMap(relationOutputs[i], relationInputs[i], relationIndices[i]);
-    }
+    for (size_t i = 0; i < outputs.size(); ++i) composite->addMap(outputs[i], inputs[i], indices[i]);
     return composite;
 }

@@ -4,6 +4,7 @@
 #define IFC_ENGINE_FILTER_PACKAGE_H
 
 #include <map>
+#include <mutex>
 #include <string>
 
 #include "engine/filter_node.h"
@@ -17,6 +18,16 @@ using HFFilterNodeCache = std::map<std::string, shared_ptr<IHFFilterNode>>;
 // Process-wide; entries are never removed or replaced.
 IFC_API HFFilterNodeCache& filterNodeCache();
 
+// Guards filterNodeCache and what its nodes hold. Two GL threads (a preview
+// and an export, each with its own context) may load packages at once, and a
+// package that includes another parses the including element into the shared,
+// cached node. The lock is held across the first load of a package, bundle
+// reads included, so every package file is read and parsed once per process;
+// it is held only briefly when a filter is built, never across GL calls. The
+// bundle's read callback must therefore not wait for another thread that is
+// loading a package.
+IFC_API std::recursive_mutex& HFFilterPackage_lock();
+
 // The cached node of a package, loading it on a miss. Empty (and logged)
 // when the package cannot be built; such a failure is cached as well, so the
 // file is read once whatever it holds.
@@ -26,7 +37,8 @@ IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_node(const std::string& name);
 IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_createNode(tinyxml2::XMLElement* root);
 
 // Makes the leaf nodes ("filter" elements). The default builds the GL
-// description node; tests install fakes. Returns the previous factory.
+// description node; tests install fakes (before any thread loads a package).
+// Returns the previous factory.
 using HFLeafNodeFactory = shared_ptr<IHFFilterNode> (*)();
 IFC_API HFLeafNodeFactory HFFilterPackage_setLeafNodeFactory(HFLeafNodeFactory factory);
 IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_createLeafNode();
