@@ -8,6 +8,7 @@
 #include "engine/engine_problems.h"
 #include "engine/filter_object.h"
 #include "engine/gl/shader_origin.h"
+#include "engine/package_lock.h"
 #include "jni/log.h"
 
 namespace {
@@ -31,15 +32,24 @@ bool reaches(const IHFFilterNode* from, const IHFFilterNode* target,
     return false;
 }
 
+// The models being built on this thread: a model met again while it is
+// being built contains itself. Per thread, since two GL threads may build the
+// same cached model at once.
 class BuildingFlag {
 public:
-    explicit BuildingFlag(bool& flag) : flag(flag) { flag = true; }
-    ~BuildingFlag() { flag = false; }
+    explicit BuildingFlag(const HFFilterModelNode* model) : model(model) { building().insert(model); }
+    ~BuildingFlag() { building().erase(model); }
     BuildingFlag(const BuildingFlag&) = delete;
     BuildingFlag& operator=(const BuildingFlag&) = delete;
 
+    static bool isBuilding(const HFFilterModelNode* model) { return building().count(model) > 0; }
+
 private:
-    bool& flag;
+    static std::set<const HFFilterModelNode*>& building() {
+        thread_local std::set<const HFFilterModelNode*> models;
+        return models;
+    }
+    const HFFilterModelNode* model;
 };
 
 }  // namespace
@@ -81,8 +91,10 @@ bool HFFilterModelNode::accepts(const tinyxml2::XMLElement* element, const IHFFi
 }
 
 // All "filter" children come first, then all "relation" children, wherever
-// they stand in the document.
+// they stand in the document. Under the package lock: an included package's
+// node is shared with other threads.
 void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
+    const std::lock_guard<std::recursive_mutex> lock(HFFilterPackage_lock());
     Links pending;
     if (!accepts(element, this, pending)) {
         complete = false;
@@ -126,25 +138,34 @@ void HFFilterModelNode::parse(tinyxml2::XMLElement* element) {
 
 // Relations are applied after every child is in place and without clearMap,
 // so each replaces the default chain link only at the slot it names.
+// Builds from a copy taken under the package lock, so that no lock is held
+// while the children compile their shaders.
 shared_ptr<IHFFilter> HFFilterModelNode::createFilter() {
-    if (!complete) return shared_ptr<IHFFilter>();
+    std::vector<shared_ptr<IHFFilterNode>> childNodes;
+    std::vector<int32_t> outputs, inputs, indices;
+    {
+        const std::lock_guard<std::recursive_mutex> lock(HFFilterPackage_lock());
+        if (!complete) return shared_ptr<IHFFilter>();
+        childNodes = children;
+        outputs = relationOutputs;
+        inputs = relationInputs;
+        indices = relationIndices;
+    }
     const HFPackageScope package(name);
     // Parsing keeps packages from containing themselves; a graph assembled
     // by hand is refused here rather than recursing without end.
-    if (building) {
+    if (BuildingFlag::isBuilding(this)) {
         log_printE("model: package %s contains itself", name.c_str());
         return shared_ptr<IHFFilter>();
     }
-    BuildingFlag flag(building);
+    const BuildingFlag flag(this);
     shared_ptr<HFFilterObject> composite = HFFilterObject::createFilter();
-    for (const shared_ptr<IHFFilterNode>& node : children) {
+    for (const shared_ptr<IHFFilterNode>& node : childNodes) {
         shared_ptr<IHFFilter> filter = node->createFilter();
         // A missing child would shift every index the relations use.
         if (!filter) return shared_ptr<IHFFilter>();
         composite->addFilter(filter);
     }
-    for (size_t i = 0; i < relationOutputs.size(); ++i) {
-        composite->addMap(relationOutputs[i], relationInputs[i], relationIndices[i]);
-    }
+    for (size_t i = 0; i < outputs.size(); ++i) composite->addMap(outputs[i], inputs[i], indices[i]);
     return composite;
 }

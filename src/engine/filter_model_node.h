@@ -46,7 +46,6 @@ private:
 
     HFFilterNodeSource source;
     bool complete = true;
-    bool building = false;
 };
 
 #endif  // IFC_ENGINE_FILTER_MODEL_NODE_H

@@ -2,6 +2,7 @@
 
 #include <tinyxml2.h>
 
+#include <atomic>
 #include <set>
 
 #include "engine/engine_problems.h"
@@ -14,7 +15,8 @@ namespace {
 std::string packagePath(const std::string& name) { return "filter/" + name + "/filter.xml"; }
 
 // Packages being loaded right now: reaching one again through an include is a
-// cycle, which would otherwise recurse without end.
+// cycle, which would otherwise recurse without end. Touched only under
+// HFFilterPackage_lock, which one thread holds for the whole load.
 std::set<std::string>& packagesInProgress() {
     static std::set<std::string> names;
     return names;
@@ -99,7 +101,7 @@ shared_ptr<IHFFilterNode> loadPackage(const std::string& name) {
 
 HFFilterNodeSource nodeSource() { return HFFilterNodeSource{&HFFilterPackage_node, &HFFilterPackage_createLeafNode}; }
 
-HFLeafNodeFactory leafNodeFactory = &HFFilterPackage_defaultLeafNode;
+std::atomic<HFLeafNodeFactory> leafNodeFactory{&HFFilterPackage_defaultLeafNode};
 
 }  // namespace
 
@@ -113,6 +115,8 @@ void HFFilterPackage_logError(const std::string& name, const char* reason) {
 }
 
 shared_ptr<IHFFilterNode> HFFilterPackage_node(const std::string& name) {
+    // Recursive: a load reaches this again for each package it includes.
+    const std::lock_guard<std::recursive_mutex> lock(HFFilterPackage_lock());
     HFFilterNodeCache& cache = filterNodeCache();
     auto found = cache.find(name);
     if (found != cache.end()) return found->second;
@@ -133,9 +137,7 @@ shared_ptr<IHFFilterNode> HFFilterPackage_createNode(tinyxml2::XMLElement* root)
 }
 
 HFLeafNodeFactory HFFilterPackage_setLeafNodeFactory(HFLeafNodeFactory factory) {
-    HFLeafNodeFactory previous = leafNodeFactory;
-    leafNodeFactory = factory != nullptr ? factory : &HFFilterPackage_defaultLeafNode;
-    return previous;
+    return leafNodeFactory.exchange(factory != nullptr ? factory : &HFFilterPackage_defaultLeafNode);
 }
 
-shared_ptr<IHFFilterNode> HFFilterPackage_createLeafNode() { return leafNodeFactory(); }
+shared_ptr<IHFFilterNode> HFFilterPackage_createLeafNode() { return leafNodeFactory.load()(); }

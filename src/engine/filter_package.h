@@ -4,9 +4,11 @@
 #define IFC_ENGINE_FILTER_PACKAGE_H
 
 #include <map>
+#include <mutex>
 #include <string>
 
 #include "engine/filter_node.h"
+#include "engine/package_lock.h"
 
 namespace tinyxml2 {
 class XMLElement;
@@ -26,7 +28,8 @@ IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_node(const std::string& name);
 IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_createNode(tinyxml2::XMLElement* root);
 
 // Makes the leaf nodes ("filter" elements). The default builds the GL
-// description node; tests install fakes. Returns the previous factory.
+// description node; tests install fakes (before any thread loads a package).
+// Returns the previous factory.
 using HFLeafNodeFactory = shared_ptr<IHFFilterNode> (*)();
 IFC_API HFLeafNodeFactory HFFilterPackage_setLeafNodeFactory(HFLeafNodeFactory factory);
 IFC_API shared_ptr<IHFFilterNode> HFFilterPackage_createLeafNode();

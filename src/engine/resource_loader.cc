@@ -1,5 +1,7 @@
 #include "engine/resource_loader.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <fstream>
 #include <limits>
@@ -10,7 +12,8 @@
 
 namespace {
 
-HFResourceProvider* installedProvider = nullptr;
+// Read by every thread that loads packages.
+std::atomic<HFResourceProvider*> installedProvider{nullptr};
 
 enum BundleKind { kBundleImage = 0, kBundleData = 1 };
 
@@ -19,16 +22,16 @@ enum BundleKind { kBundleImage = 0, kBundleData = 1 };
 HFResourceProvider::~HFResourceProvider() = default;
 
 HFResourceProvider* HFResourceLoader_setProvider(HFResourceProvider* provider) {
-    return std::exchange(installedProvider, provider);
+    return installedProvider.exchange(provider);
 }
 
 extern "C" _Image* HFResourceLoader_loadRGBAResource(const char* path) {
-    if (installedProvider != nullptr) return installedProvider->loadRGBA(path);
+    if (HFResourceProvider* provider = installedProvider.load()) return provider->loadRGBA(path);
     return jniLoadBundleResource(path, kBundleImage);
 }
 
 extern "C" _Image* HFResourceLoader_loadDataResource(const char* path) {
-    if (installedProvider != nullptr) return installedProvider->loadData(path);
+    if (HFResourceProvider* provider = installedProvider.load()) return provider->loadData(path);
     return jniLoadBundleResource(path, kBundleData);
 }
 

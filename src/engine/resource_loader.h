@@ -33,7 +33,9 @@ private:
 };
 
 // Installs a provider for the whole process (not owned; null restores the
-// Java callbacks). Returns the previous one.
+// Java callbacks). Returns the previous one. Providers are called from every
+// thread that loads packages, at the same time, so they must be thread-safe
+// (the directory provider is).
 IFC_API HFResourceProvider* HFResourceLoader_setProvider(HFResourceProvider* provider);
 
 extern "C" {

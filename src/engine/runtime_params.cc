@@ -8,6 +8,7 @@
 #include "engine/cpu/cpu_filter.h"
 #include "engine/filter_model_node.h"
 #include "engine/filter_object.h"
+#include "engine/filter_package.h"
 #include "engine/filter_wraper.h"
 #include "engine/gl/filter_desc_node.h"
 
@@ -103,6 +104,8 @@ const char* HFParamKind_name(HFParamKind kind) {
 
 void HFRuntimeParams::collect(const shared_ptr<IHFFilterNode>& node, IHFFilter* filter) {
     if (!node || filter == nullptr) return;
+    // Cached nodes may gain params from a package loading on another thread.
+    const std::lock_guard<std::recursive_mutex> lock(HFFilterPackage_lock());
     if (const auto* model = dynamic_cast<const HFFilterModelNode*>(node.get())) {
         auto* composite = dynamic_cast<HFFilterObject*>(filter);
         if (composite == nullptr) return;

@@ -1,7 +1,9 @@
 // The filter engine's own reference-counted handle. Deliberately not
 // std::shared_ptr: the count is a plain heap int shared by every handle of one
-// object (no atomics, no locks: everything runs on the GL thread), and a
-// handle of a base type converts to a derived type without a check.
+// object, and a handle of a base type converts to a derived type without a
+// check. The count is changed with atomic operations (no lock): cached package
+// descriptions are handed out to every GL thread, e.g. a preview and an export
+// rendering the same package at once, each on its own context.
 #ifndef IFC_ENGINE_SHARED_PTR_H
 #define IFC_ENGINE_SHARED_PTR_H
 
@@ -65,7 +67,7 @@ public:
     // Drops this handle's share; the last one destroys the object.
     void release() {
         if (count != nullptr) {
-            if (--*count == 0) {
+            if (__atomic_sub_fetch(count, 1, __ATOMIC_ACQ_REL) == 0) {
                 delete ptr;
                 delete count;
             }
@@ -78,13 +80,14 @@ public:
     T* operator->() const { return ptr; }
     T& operator*() const { return *ptr; }
     explicit operator bool() const { return ptr != nullptr; }
-    int32_t use_count() const { return count == nullptr ? 0 : *count; }
+    int32_t use_count() const { return count == nullptr ? 0 : __atomic_load_n(count, __ATOMIC_RELAXED); }
 
 private:
     void acquire() {
         if (ptr == nullptr) return;
         if (count != nullptr) {
-            ++*count;
+            // A new handle is copied from a live one, so nothing to order.
+            __atomic_add_fetch(count, 1, __ATOMIC_RELAXED);
             return;
         }
         try {

@@ -9,6 +9,7 @@ target_sources(ifc_objects PRIVATE
   engine/filter_wraper_params_jni.cc
   engine/gl_frame_state.cc
   engine/interfaces.cc
+  engine/package_lock.cc
   engine/resource_loader.cc
   engine/runtime_params.cc
   engine/texture.cc)

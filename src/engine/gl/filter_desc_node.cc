@@ -31,24 +31,36 @@ void HFFilterDescNode::parse(tinyxml2::XMLElement* element) {
     }
 }
 
+// Builds from a copy taken under the package lock (an including element of
+// another package may be parsed into this node on another thread), so that
+// no lock is held while shaders compile or images load.
 shared_ptr<IHFFilter> HFFilterDescNode::createFilter() {
+    std::string implementName;
+    bool cpu = false;
+    std::vector<shared_ptr<HFFilterParam>> declared;
+    {
+        const std::lock_guard<std::recursive_mutex> lock(HFFilterPackage_lock());
+        implementName = implement;
+        cpu = preferCPU;
+        declared = params;
+    }
     const HFPackageScope package(name);
     shared_ptr<IHFFilter> filter;
-    if (preferCPU) {
-        filter = HFCPUFilter::createFilter(implement.c_str());
+    if (cpu) {
+        filter = HFCPUFilter::createFilter(implementName.c_str());
     } else {
-        const shared_ptr<HFGLFilterImpl> impl = HFGLFilterImpl_lookup(implement);
+        const shared_ptr<HFGLFilterImpl> impl = HFGLFilterImpl_lookup(implementName);
         if (impl->vertexSources.empty() || impl->fragmentSources.empty()) {
             const std::string& package = HFPackageScope::current();
             HFProblem_report((package.empty() ? std::string() : "filter package " + package + ": ") +
-                             "GL filter description " + HFGLFilterImpl::pathOf(implement) +
+                             "GL filter description " + HFGLFilterImpl::pathOf(implementName) +
                              " has no vertex or fragment shader");
             return filter;
         }
-        const HFShaderOriginScope origin(implement, impl.get());
+        const HFShaderOriginScope origin(implementName, impl.get());
         filter = HFGLFilter::createFilter(impl->fragmentSources, impl->vertexSources);
     }
-    for (const shared_ptr<HFFilterParam>& param : params) param->apply(filter.get(), name);
+    for (const shared_ptr<HFFilterParam>& param : declared) param->apply(filter.get(), name);
     return filter;
 }
 

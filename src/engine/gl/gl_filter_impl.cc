@@ -2,6 +2,8 @@
 
 #include <tinyxml2.h>
 
+#include <mutex>
+
 #include "engine/gl/xml_text.h"
 #include "engine/resource_loader.h"
 
@@ -56,12 +58,28 @@ HFGLFilterImplCache& glFilterImplCache() {
     return cache;
 }
 
+namespace {
+
+std::mutex& cacheLock() {
+    static std::mutex lock;
+    return lock;
+}
+
+}  // namespace
+
+// The map is locked only to look up and to insert; the file is read outside
+// the lock. Two threads missing the same name at once both read it and the
+// first insert wins, so every caller gets the one cached description, which
+// is never changed once loaded.
 shared_ptr<HFGLFilterImpl> HFGLFilterImpl_lookup(const std::string& name) {
     HFGLFilterImplCache& cache = glFilterImplCache();
-    auto found = cache.find(name);
-    if (found != cache.end()) return found->second;
+    {
+        const std::lock_guard<std::mutex> lock(cacheLock());
+        auto found = cache.find(name);
+        if (found != cache.end()) return found->second;
+    }
     shared_ptr<HFGLFilterImpl> impl(new HFGLFilterImpl());
     impl->load(name);
-    cache.insert(HFGLFilterImplCache::value_type(name, impl));
-    return impl;
+    const std::lock_guard<std::mutex> lock(cacheLock());
+    return cache.insert(HFGLFilterImplCache::value_type(name, impl)).first->second;
 }

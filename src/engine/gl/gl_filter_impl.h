@@ -31,7 +31,9 @@ struct IFC_API HFGLFilterImpl {
 using HFGLFilterImplCache = std::map<std::string, shared_ptr<HFGLFilterImpl>>;
 
 // Process-wide, filled on first use of each name and never emptied; a
-// description that failed to load stays cached as empty.
+// description that failed to load stays cached as empty. Descriptions hold
+// only text (no GL names), so threads with their own contexts share them;
+// the lookup is safe from any thread.
 IFC_API HFGLFilterImplCache& glFilterImplCache();
 IFC_API shared_ptr<HFGLFilterImpl> HFGLFilterImpl_lookup(const std::string& name);
 
