@@ -1,6 +1,6 @@
 #include "engine/engine_problems.h"
 
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "engine/filter_object.h"
 #include "engine/gl/shader_origin.h"
 #include "engine/package_lock.h"
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 shared_ptr<HFFilterObject> HFFilterObject::createFilter() { return shared_ptr<HFFilterObject>(new HFFilterObject()); }
 

@@ -8,7 +8,7 @@
 #include "engine/engine_problems.h"
 #include "engine/filter_model_node.h"
 #include "engine/resource_loader.h"
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "engine/filter_wraper.h"
-#include "jni/bridge.h"
+#include "jni/bridge/bridge.h"
 
 namespace {
 

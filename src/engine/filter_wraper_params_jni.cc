@@ -8,7 +8,7 @@
 #include <string>
 
 #include "engine/filter_wraper.h"
-#include "jni/bridge.h"
+#include "jni/bridge/bridge.h"
 
 namespace {
 

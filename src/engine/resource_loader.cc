@@ -7,8 +7,8 @@
 #include <limits>
 #include <utility>
 
-#include "jni/bridge.h"
-#include "jni/log.h"
+#include "jni/bridge/bridge.h"
+#include "jni/bridge/log.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "engine/gl_frame_state.h"
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 const HFGLTextureOptions defaultTextureOptions = {
     GL_LINEAR, GL_LINEAR, GL_CLAMP_TO_EDGE, GL_CLAMP_TO_EDGE, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE,

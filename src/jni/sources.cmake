@@ -1,8 +1,10 @@
-# Sources of src/jni, one list per piece so each can grow on its own.
-target_sources(ifc_objects PRIVATE
-  jni/jni_guards.cc
-  jni/native_guard.cc
-  jni/log.cc)
-include(jni/bridge_sources.cmake)
-include(jni/qimage_sources.cmake)
-include(jni/pixels_sources.cmake)
+# src/jni in three rooms, each with its own list:
+#   bridge/  the Java bridge core: load hook, per-thread env, QImage and MRect
+#            binding, resource callbacks, logging, guards, packed strings
+#   qimage/  the QImage natives: life cycle, bitmaps, geometry, pixel copies,
+#            and the natives of the conversions and CPU filters
+#   pixels/  camera-frame conversions and CPU filters in plain C++, each row
+#            kernel beside its SSE2, AVX2 and NEON twins, and their dispatch
+include(jni/bridge/sources.cmake)
+include(jni/qimage/sources.cmake)
+include(jni/pixels/sources.cmake)

@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <memory>
 
-#include "jni/bridge.h"
-#include "jni/native_guard.h"
-#include "jni/packed_string.h"
+#include "jni/bridge/bridge.h"
+#include "jni/bridge/native_guard.h"
+#include "jni/bridge/packed_string.h"
 #include "render/base_filte_render.h"
 #include "render/jni_guards.h"
 #include "render/renderer_handles.h"

@@ -2,7 +2,7 @@
 
 #include <sys/time.h>
 
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <GLES2/gl2.h>
 #include <jni.h>
 
-#include "jni/bridge.h"
-#include "jni/native_guard.h"
+#include "jni/bridge/bridge.h"
+#include "jni/bridge/native_guard.h"
 #include "render/magic_engine.h"
 
 namespace {

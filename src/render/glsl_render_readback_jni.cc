@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include "jni/bridge.h"
-#include "jni/native_guard.h"
+#include "jni/bridge/bridge.h"
+#include "jni/bridge/native_guard.h"
 #include "render/gl_utils.h"
 #include "render/jni_guards.h"
 #include "render/magic_engine.h"

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <memory>
 
-#include "jni/bridge.h"
-#include "jni/native_guard.h"
-#include "jni/qimage_pixels.h"
+#include "jni/bridge/bridge.h"
+#include "jni/bridge/native_guard.h"
+#include "jni/pixels/qimage_pixels.h"
 #include "render/brightness_curve.h"
 #include "render/gl_utils.h"
 #include "render/jni_guards.h"

@@ -1,6 +1,6 @@
 #include "render/jni_guards.h"
 
-#include "jni/bridge.h"
+#include "jni/bridge/bridge.h"
 
 LockedBitmap::LockedBitmap(JNIEnv* env, jobject bitmap, bool requireRGBA) : env_(env), bitmap_(bitmap) {
     if (bitmap == nullptr) {

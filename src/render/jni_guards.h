@@ -8,7 +8,7 @@
 
 #include <cstddef>
 
-#include "jni/jni_guards.h"
+#include "jni/bridge/jni_guards.h"
 
 using ifc::ByteElements;
 using ifc::throwArrayTooShort;

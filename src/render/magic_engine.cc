@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 #include "render/gl_utils.h"
 
 namespace {

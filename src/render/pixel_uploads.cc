@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "jni/qimage_pixels.h"
+#include "jni/pixels/qimage_pixels.h"
 
 namespace {
 

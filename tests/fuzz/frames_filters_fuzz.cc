@@ -9,9 +9,9 @@
 
 #include "fuzz_input.h"
 #include "image_filter/filters.h"
-#include "jni/blur8.h"
-#include "jni/frame_checks.h"
-#include "jni/qimage_pixels.h"
+#include "jni/pixels/blur8.h"
+#include "jni/pixels/frame_checks.h"
+#include "jni/pixels/qimage_pixels.h"
 
 namespace {
 

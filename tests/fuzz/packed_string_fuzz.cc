@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "jni/packed_string.h"
+#include "jni/bridge/packed_string.h"
 
 namespace {
 

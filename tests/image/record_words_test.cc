@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "image_filter/image.h"
-#include "jni/bridge.h"
+#include "jni/bridge/bridge.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <thread>
 
-#include "jni/bridge.h"
+#include "jni/bridge/bridge.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "jni/bridge.h"
+#include "jni/bridge/bridge.h"
 #include "capture_stderr.h"
 
 namespace {

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "jni/native_guard.h"
+#include "jni/bridge/native_guard.h"
 
 namespace {
 
@@ -91,7 +91,7 @@ TEST(NativeGuard, EveryNativeOfTheLibraryRunsGuarded) {
     const std::regex native(R"(JNIEXPORT \w+ JNICALL (Java_\w+)\([^{]*\{\n([^\n]*)\n)");
     int natives = 0;
     for (const char* dir : {"src/jni", "src/render"}) {
-        for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(IFC_SOURCE_DIR) / dir)) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(std::filesystem::path(IFC_SOURCE_DIR) / dir)) {
             if (entry.path().extension() != ".cc") continue;
             std::ifstream file(entry.path());
             std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());

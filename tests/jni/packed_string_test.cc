@@ -1,4 +1,4 @@
-#include "jni/packed_string.h"
+#include "jni/bridge/packed_string.h"
 
 #include <gtest/gtest.h>
 

@@ -12,10 +12,10 @@
 
 #include "guarded_buffer.h"
 #include "image_filter/filters.h"
-#include "jni/blur8.h"
-#include "jni/camera_frames.h"
-#include "jni/pixel_kernels.h"
-#include "jni/qimage_pixels.h"
+#include "jni/pixels/blur8.h"
+#include "jni/pixels/camera_frames.h"
+#include "jni/pixels/pixel_kernels.h"
+#include "jni/pixels/qimage_pixels.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 
 #include "guarded_buffer.h"
 #include "image_filter/filters.h"
-#include "jni/pixel_kernels.h"
-#include "jni/qimage_pixels.h"
+#include "jni/pixels/pixel_kernels.h"
+#include "jni/pixels/qimage_pixels.h"
 
 using ifc::PixelKernels;
 

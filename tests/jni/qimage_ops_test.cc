@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "jni/camera_frames.h"
-#include "jni/qimage_ops.h"
+#include "jni/pixels/camera_frames.h"
+#include "jni/qimage/qimage_ops.h"
 
 using ::testing::ElementsAre;
 

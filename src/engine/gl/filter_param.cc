@@ -9,7 +9,7 @@
 #include "engine/gl/gl_filter.h"
 #include "engine/gl/xml_text.h"
 #include "engine/resource_loader.h"
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "engine/gl/matrix3.h"
 #include "engine/saturating_cast.h"
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 #include "engine/gl_frame_state.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "engine/gl/shader_decipher.h"
 #include "engine/gl/shader_origin.h"
 #include "engine/gl_frame_state.h"
-#include "jni/log.h"
+#include "jni/bridge/log.h"
 
 namespace {
 

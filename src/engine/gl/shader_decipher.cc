@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "engine/gl/aes128_decipher.h"
-#include "jni/packed_string.h"
+#include "jni/bridge/packed_string.h"
 
 const uint8_t kShaderCipherKey[16] = {'s', 'h', 'a', 'd', 'e', 'r', 'f', 'i',
                                       'l', 't', 'e', 'r', '.', 'k', 'e', 'y'};

@@ -1,8 +1,0 @@
-# pixels sources: camera-frame conversions, CPU filters, their natives, and
-# the SIMD kernels, each instruction set in its own files with its own flags.
-include(${CMAKE_CURRENT_LIST_DIR}/pixels_kernels.cmake)
-ifc_add_pixel_kernels(ifc_objects)
-target_sources(ifc_objects PRIVATE
-  jni/frame_checks.cc
-  jni/qimage_pixels_natives.cc
-  jni/qimage_filter_natives.cc)
