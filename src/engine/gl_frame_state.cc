@@ -19,8 +19,9 @@ struct State {
     GLuint texture[kUnits] = {};
 };
 
-// One GL thread drives the engine; no lock.
-State state;
+// Per thread: GL state belongs to the context current on the thread, and two
+// GL threads (a preview and an export) may render at once.
+thread_local State state;
 
 int unitIndex(GLenum unit) { return static_cast<int>(unit) - static_cast<int>(GL_TEXTURE0); }
 
