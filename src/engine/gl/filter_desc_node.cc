@@ -53,8 +53,8 @@ shared_ptr<IHFFilter> HFFilterDescNode::createFilter() {
         if (impl->vertexSources.empty() || impl->fragmentSources.empty()) {
             const std::string& package = HFPackageScope::current();
             HFProblem_report((package.empty() ? std::string() : "filter package " + package + ": ") +
-                             "GL filter description " + HFGLFilterImpl::pathOf(implementName) +
-                             " has no vertex or fragment shader");
+                             "GL filter description " + HFGLFilterImpl::pathOf(implementName) + " " +
+                             (impl->readProblem.empty() ? "has no vertex or fragment shader" : impl->readProblem));
             return filter;
         }
         const HFShaderOriginScope origin(implementName, impl.get());

@@ -26,12 +26,21 @@ void HFGLFilterImpl::load(const std::string& name) {
     vertexSources.clear();
     fragmentLines.clear();
     vertexLines.clear();
+    readProblem.clear();
 
     tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
     _Image* blob = HFResourceLoader_loadDataResource(pathOf(name).c_str());
-    if (blob == nullptr) return;
+    if (blob == nullptr) {
+        readProblem = "is missing from the bundle";
+        return;
+    }
     document.Parse(reinterpret_cast<const char*>(blob->data), static_cast<size_t>(blob->width));
     free_image(&blob);
+    if (document.Error()) {
+        readProblem = std::string("is not well-formed XML (line ") + std::to_string(document.ErrorLineNum()) +
+                      "): " + document.ErrorStr();
+        return;
+    }
 
     const tinyxml2::XMLElement* root = document.FirstChildElement();
     if (root == nullptr) return;

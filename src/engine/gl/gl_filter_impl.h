@@ -19,6 +19,10 @@ struct IFC_API HFGLFilterImpl {
     // for messages about the shader's lines.
     std::vector<int> fragmentLines;
     std::vector<int> vertexLines;
+    // Why the description has no shaders when the file could not be used
+    // ("is missing from the bundle", "is not well-formed XML ..."); empty
+    // when it was read.
+    std::string readProblem;
 
     virtual ~HFGLFilterImpl();
 

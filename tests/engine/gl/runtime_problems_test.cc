@@ -119,6 +119,22 @@ TEST_F(RuntimeProblemsTest, WrapperKeepsItsLastProblem) {
         // The failure is cached and logs nothing new; the wrapper still says so.
         HFFilterWraper again("rp_missing");
         EXPECT_NE(std::string::npos, again.lastProblem().find("rp_missing")) << again.lastProblem();
+
+        // A description that is not there, or not XML, is named as such.
+        pack("rp_no_description", "<filter implement='rp_nowhere'/>");
+        write("filter/gl/rp_not_xml.xml", "<glfilter><vertex>a < b</vertex></glfilter>");
+        pack("rp_bad_description", "<filter implement='rp_not_xml'/>");
+        const struct {
+            const char* package;
+            const char* expected;
+        } descriptions[] = {
+            {"rp_no_description", "filter/gl/rp_nowhere.xml is missing from the bundle"},
+            {"rp_bad_description", "filter/gl/rp_not_xml.xml is not well-formed XML (line 1)"},
+        };
+        for (const auto& d : descriptions) {
+            HFFilterWraper wraper(d.package);
+            EXPECT_NE(std::string::npos, wraper.lastProblem().find(d.expected)) << wraper.lastProblem();
+        }
     });
 
     describeFragment("rp_copy", std::string(kHead) + "void main(){ gl_FragColor = texture2D(inputImageTexture, uv); }");
