@@ -32,25 +32,31 @@ bool reaches(const IHFFilterNode* from, const IHFFilterNode* target,
     return false;
 }
 
-// The models being built on this thread: a model met again while it is
-// being built contains itself. Per thread, since two GL threads may build the
-// same cached model at once.
+// The models being built on this thread, as a chain of flags on its stack:
+// a model met again while it is being built contains itself. Per thread,
+// since two GL threads may build the same cached model at once; the chain's
+// head is a plain pointer so the thread keeps no storage to release.
 class BuildingFlag {
 public:
-    explicit BuildingFlag(const HFFilterModelNode* model) : model(model) { building().insert(model); }
-    ~BuildingFlag() { building().erase(model); }
+    explicit BuildingFlag(const HFFilterModelNode* model) : model(model), outer(innermost) { innermost = this; }
+    ~BuildingFlag() { innermost = outer; }
     BuildingFlag(const BuildingFlag&) = delete;
     BuildingFlag& operator=(const BuildingFlag&) = delete;
 
-    static bool isBuilding(const HFFilterModelNode* model) { return building().count(model) > 0; }
+    static bool isBuilding(const HFFilterModelNode* model) {
+        for (const BuildingFlag* flag = innermost; flag != nullptr; flag = flag->outer) {
+            if (flag->model == model) return true;
+        }
+        return false;
+    }
 
 private:
-    static std::set<const HFFilterModelNode*>& building() {
-        thread_local std::set<const HFFilterModelNode*> models;
-        return models;
-    }
+    static thread_local const BuildingFlag* innermost;
     const HFFilterModelNode* model;
+    const BuildingFlag* outer;
 };
+
+thread_local const BuildingFlag* BuildingFlag::innermost = nullptr;
 
 }  // namespace
 
