@@ -44,6 +44,17 @@ TEST(HostileSizes, FrameChecksRefuseInTheNativesOrder) {
     }
 }
 
+// A frame the checks accept for having no pixels (INT_MAX x 0) still gets no
+// image whose row size an int cannot hold.
+TEST(HostileSizes, FrameImagesNeedARowAnIntCanHold) {
+    EXPECT_EQ(nullptr, ifc::frame_image_for(nullptr, INT_MAX, 0));
+    EXPECT_EQ(nullptr, ifc::frame_image_for(nullptr, INT_MAX / 4 + 1, 1));
+    _Image* empty = ifc::frame_image_for(nullptr, 3, 0);
+    ASSERT_NE(nullptr, empty);
+    EXPECT_EQ(12, empty->stride);
+    free_image(&empty);
+}
+
 TEST(HostileSizes, EmptyOutputsReturnAtOnce) {
     // A zero-width decimated frame of a billion rows converts to nothing.
     ifc::FramePlan plan{};

@@ -1,6 +1,7 @@
 #include "jni/pixels/qimage_pixels.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "jni/pixels/pixel_kernels.h"
@@ -21,6 +22,8 @@ _Image* frame_image_for(_Image* current, int width, int height) {
             return current;
         free_image(&current);  // a bound bitmap's pixels stay the bitmap's
     }
+    // A row of more than INT_MAX bytes cannot be described (even with no rows).
+    if (width < 0 || height < 0 || width > INT32_MAX / 4) return nullptr;
     return create_image(width, height, 4, width * 4);
 }
 
