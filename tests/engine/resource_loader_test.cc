@@ -34,7 +34,8 @@ TEST(DirectoryResources, FilesBecomeByteRowsAndOversizedOnesAreRefused) {
     dir.write("empty.bin", "");
     // Sparse: 2 GiB of length without the disk space.
     { std::ofstream(dir.path + "/huge.bin"); }
-    ASSERT_EQ(truncate((dir.path + "/huge.bin").c_str(), 0x80000000LL), 0);
+    // truncate64: off_t is 32 bits on 32-bit ABIs.
+    ASSERT_EQ(truncate64((dir.path + "/huge.bin").c_str(), 0x80000000LL), 0);
 
     HFDirectoryResourceProvider bundle(dir.path);
     struct Case {
