@@ -136,4 +136,14 @@ JNIEXPORT jint JNICALL Java_com_lumeric_host_HostGL_nativeMaxTextureSize(JNIEnv*
     return limit;
 }
 
+JNIEXPORT void JNICALL Java_com_lumeric_host_HostGL_nativePixelStore(JNIEnv* env, jclass, jint name, jint value) {
+    if (haveContext(env)) glPixelStorei(static_cast<GLenum>(name), value);
+}
+
+JNIEXPORT jint JNICALL Java_com_lumeric_host_HostGL_nativeInteger(JNIEnv* env, jclass, jint name) {
+    GLint value = 0;
+    if (haveContext(env)) glGetIntegerv(static_cast<GLenum>(name), &value);
+    return value;
+}
+
 }  // extern "C"

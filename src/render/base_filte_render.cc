@@ -172,7 +172,10 @@ void BaseFilteRender::RenderDataProcess(unsigned char* rgba, int width, int heig
     glActiveTexture(GL_TEXTURE1);
     glGenTextures(1, &input);
     glBindTexture(GL_TEXTURE_2D, input);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+    {
+        TightRgbaRows tight(GL_UNPACK_ALIGNMENT);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+    }
     setLinearClamp(GL_TEXTURE_2D);
 
     GLuint output = 0;

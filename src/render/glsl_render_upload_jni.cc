@@ -70,7 +70,10 @@ void histogramFromGPU(uint8_t* pixels, int32_t* history, int x, int y, int w, in
     // Without buffers, with a negative size, or with a frame outside the
     // ring there is nothing that may be read or written: left alone.
     if (pixels == nullptr || history == nullptr || w < 0 || h < 0 || frameIndex >= frameCount) return;
-    glReadPixels(x, y, w, h, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    {
+        TightRgbaRows tight(GL_PACK_ALIGNMENT);  // the buffer holds w x h x 4 bytes exactly
+        glReadPixels(x, y, w, h, GL_RGBA, GL_UNSIGNED_BYTE, pixels);
+    }
     int32_t bins[kCurveBins];
     int64_t pixelCount = static_cast<int64_t>(w) * h;
     histogramRGB(pixels, pixelCount, bins);
@@ -137,7 +140,11 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativePickJepgToTextur
             glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
             glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
             glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-            glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, tile.width, tile.height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba.get());
+            {
+                TightRgbaRows tight(GL_UNPACK_ALIGNMENT);
+                glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, tile.width, tile.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                             rgba.get());
+            }
             checkGlError("glTexImage2D");
         }
         tileSize.data()[0] = tile.width;

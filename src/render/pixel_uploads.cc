@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "jni/pixels/qimage_pixels.h"
+#include "render/gl_utils.h"
 
 namespace {
 
@@ -67,6 +68,7 @@ void uploadCurveTexture(const int32_t* curve, int n, GLuint texture) {
         }
     }
     glBindTexture(GL_TEXTURE_2D, texture);
+    TightRgbaRows tight(GL_UNPACK_ALIGNMENT);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, n, kCurveRows, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels.data());
 }
 

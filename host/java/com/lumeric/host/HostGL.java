@@ -82,6 +82,16 @@ public final class HostGL implements AutoCloseable {
         return nativeMaxTextureSize();
     }
 
+    /** glPixelStorei: lets tests leave the pixel-store state a caller might. */
+    public static void pixelStore(int name, int value) {
+        nativePixelStore(name, value);
+    }
+
+    /** glGetIntegerv of a single value. */
+    public static int integer(int name) {
+        return nativeInteger(name);
+    }
+
     @Override
     public void close() {
         if (handle != 0) {
@@ -98,4 +108,6 @@ public final class HostGL implements AutoCloseable {
     private static native void nativeReadTexture(int texture, int width, int height, int[] argb);
     private static native void nativeDeleteTexture(int texture);
     private static native int nativeMaxTextureSize();
+    private static native void nativePixelStore(int name, int value);
+    private static native int nativeInteger(int name);
 }

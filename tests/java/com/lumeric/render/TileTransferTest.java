@@ -130,6 +130,33 @@ class TileTransferTest {
         roundTrip(rgbImage(7, 5, 1, 1, GL::chartColor), GL.blank(7, 5, 3), 3, 2, 0, null, GL::chartColor);
     }
 
+    /**
+     * A caller that left the pixel-store alignment at 8: odd-width RGBA rows
+     * still go up and come back tight (GL would otherwise shear them and read
+     * or write past the buffer), and the caller finds its alignment unchanged.
+     */
+    @Test
+    void callersAlignmentOfEightKeepsOddWidthRowsTight() {
+        final int unpack = 0x0CF5, pack = 0x0D05;
+        QImage chart = GL.image(7, 5, GL::chartColor);
+        HostGL.pixelStore(unpack, 8);
+        GLSLRender.nativePickJepgToTexture(chart, 0, 0, 1, 1, TILE, new int[2]);
+        assertEquals(8, HostGL.integer(unpack));
+        assertArrayEquals(GL.rgba(7, 5, GL::chartColor), GL.readTexture(TILE, 7, 5));
+
+        long pixels = GLSLRender.nativeAllocBuffer(7 * 5 * 4), history = GLSLRender.nativeAllocBuffer(2 * 1024);
+        try {
+            HostGL.pixelStore(pack, 8);
+            GLSLRender.nativeCalHistogramFromGPU(pixels, history, 0, 0, 7, 5, 0.05f, 0.95f, 2, 0, 1f, 0.1f);
+            assertEquals(8, HostGL.integer(pack));
+        } finally {
+            GLSLRender.nativeFreeBuffer(pixels);
+            GLSLRender.nativeFreeBuffer(history);
+            HostGL.pixelStore(pack, 4);
+            HostGL.pixelStore(unpack, 4);
+        }
+    }
+
     @Test
     void badArgumentsRaiseInsteadOfTouchingMemory() {
         QImage image = GL.image(4, 4, GL::chartColor);
