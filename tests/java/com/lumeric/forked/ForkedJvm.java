@@ -19,8 +19,7 @@ public final class ForkedJvm {
 
     /** The child's output; fails when it did not exit with 0 or -Xcheck:jni warned. */
     public static String run(Class<?> main, String... args) throws Exception {
-        String java = System.getProperty("java.home") + File.separator + "bin" + File.separator + "java";
-        List<String> command = new ArrayList<>(List.of(java, "-Xcheck:jni",
+        List<String> command = new ArrayList<>(List.of(javaCommand(), "-Xcheck:jni",
                 "-Djava.library.path=" + System.getProperty("java.library.path"),
                 "-cp", classPath(), main.getName()));
         command.addAll(List.of(args));
@@ -35,6 +34,12 @@ public final class ForkedJvm {
             throw new AssertionError(main.getSimpleName() + " in a child JVM ended with status " + status + ":\n" + log);
         }
         return log;
+    }
+
+    /** The program that starts a child JVM: in a cross build a wrapper that runs the target JVM through the emulator. */
+    public static String javaCommand() {
+        String java = System.getProperty("com.lumeric.test.java", "");
+        return java.isEmpty() ? System.getProperty("java.home") + File.separator + "bin" + File.separator + "java" : java;
     }
 
     /** The jars of the tests, the API and the host stand-ins (JUnit's launcher keeps its own class path). */

@@ -2,6 +2,7 @@ package com.lumeric.sequences;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
 
+import com.lumeric.forked.ForkedJvm;
 import java.io.IOException;
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -30,7 +31,7 @@ class RandomApiSequenceTest {
     void survivesAndKeepsPixels(long seed, @TempDir Path scratch) throws IOException, InterruptedException {
         String steps = System.getProperty("com.lumeric.random.steps", "2500");
         List<String> command = new ArrayList<>(List.of(
-                Path.of(System.getProperty("java.home"), "bin", "java").toString(), "-Xcheck:jni",
+                ForkedJvm.javaCommand(), "-Xcheck:jni",
                 "-Djava.library.path=" + System.getProperty("java.library.path"),
                 "-Djava.awt.headless=true",
                 "-cp", System.getProperty("com.lumeric.test.classpath"),
