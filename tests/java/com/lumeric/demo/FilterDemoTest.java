@@ -38,7 +38,7 @@ class FilterDemoTest {
         Path jar = Path.of(FilterDemoTest.class.getProtectionDomain().getCodeSource().getLocation().toURI());
         launcher = jar.getParent().resolveSibling("tools/demo/run-demo");
         assumeTrue(Files.isExecutable(launcher), "demo not built (IFC_BUILD_TOOLS=OFF)");
-        packages = Path.of(System.getProperty("com.lumeric.test.data")).resolve("../../packages").normalize();
+        packages = Path.of(System.getProperty("com.lumeric.packages"));
     }
 
     private record Run(int status, String output) {}
