@@ -3,6 +3,7 @@
 #include <GLES2/gl2.h>
 #include <jni.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
@@ -15,8 +16,12 @@
 
 namespace {
 
+// A size whose bytes a 32-bit size_t cannot hold asks for SIZE_MAX, more than
+// any Java array has, so the array check refuses it instead of wrapping.
 size_t rgbaBytes(int width, int height) {
-    return width > 0 && height > 0 ? static_cast<size_t>(width) * static_cast<size_t>(height) * 4 : 0;
+    if (width <= 0 || height <= 0) return 0;
+    uint64_t bytes = static_cast<uint64_t>(width) * static_cast<uint64_t>(height) * 4;
+    return bytes > SIZE_MAX ? SIZE_MAX : static_cast<size_t>(bytes);
 }
 
 // Slots travel from Java as int; negative ones mean "no pool" as 4 and up do.

@@ -193,6 +193,14 @@ class ReadbackTest {
         assertThrows(RuntimeException.class, () -> GLSLRender.nativePushDataFromTexture(tooShort, 5, 3, 1));
         assertThrows(RuntimeException.class,
                 () -> GLSLRender.nativeCopyTexturToDataWithShare(SMALL, tooShort, 5, 3, 1));
+        // Sizes whose byte counts wrap a 32-bit size_t (2^34 and 4 mod 2^32).
+        for (int[] size : new int[][] {{4096, 1 << 20}, {Integer.MAX_VALUE, Integer.MAX_VALUE}}) {
+            assertThrows(RuntimeException.class, () -> GLSLRender.nativeToRGBData(tooShort, size[0], size[1]));
+            assertThrows(RuntimeException.class,
+                    () -> GLSLRender.nativeCopyTexturToDataWithShare(SMALL, tooShort, size[0], size[1], -2));
+            assertThrows(RuntimeException.class,
+                    () -> GLSLRender.nativePushDataFromTexture(tooShort, size[0], size[1], -1));
+        }
         assertArrayEquals(new byte[tooShort.length], tooShort);
         assertThrows(NullPointerException.class, () -> GLSLRender.nativeToRGBData(null, 1, 1));
         assertThrows(NullPointerException.class,
