@@ -187,9 +187,10 @@ TEST_F(PixelKernelsTest, AlphaMixMatchesFormulaAtEveryEdge) {
 
 TEST_F(PixelKernelsTest, EveryYuvTripleMatchesFormula) {
     auto clamp = [](int x) { return static_cast<uint8_t>(x < 0 ? 0 : x > 255 ? 255 : x); };
-    // One row per (V, U): luma 0..255 with that chroma in every pair.
-    GuardedBuffer y(256), vu(256), want(1024), got(1024);
-    for (int i = 0; i < 256; ++i) y.data()[i] = static_cast<uint8_t>(i);
+    // One row per (V, U): luma 0..255 with that chroma in every pair, as
+    // NV21 planes and as packed V, Y0, U, Y1 groups.
+    GuardedBuffer y(256), vu(256), packed(512), want(1024), got(1024);
+    for (int i = 0; i < 256; ++i) y.data()[i] = packed.data()[2 * i + 1] = static_cast<uint8_t>(i);
     const std::vector<PixelKernels> variants = ifc::kernel_variants();
     int mismatches = 0;
     for (int v = 0; v < 256; ++v) {
@@ -197,6 +198,8 @@ TEST_F(PixelKernelsTest, EveryYuvTripleMatchesFormula) {
             for (int i = 0; i < 256; i += 2) {
                 vu.data()[i] = static_cast<uint8_t>(v);
                 vu.data()[i + 1] = static_cast<uint8_t>(u);
+                packed.data()[2 * i] = static_cast<uint8_t>(v);
+                packed.data()[2 * i + 2] = static_cast<uint8_t>(u);
             }
             ifc::nv21_to_rgba_row_c(y.data(), vu.data(), want.data(), 256);
             for (int i = 0; i < 256; ++i) {
@@ -209,6 +212,8 @@ TEST_F(PixelKernelsTest, EveryYuvTripleMatchesFormula) {
             }
             for (const PixelKernels& k : variants) {
                 k.nv21_to_rgba_row(y.data(), vu.data(), got.data(), 256);
+                mismatches += !(want == got);
+                k.yuv422_to_rgba_row(packed.data(), got.data(), 256);
                 mismatches += !(want == got);
             }
         }
