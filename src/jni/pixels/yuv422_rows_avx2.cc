@@ -1,15 +1,12 @@
 // Packed 4:2:2 rows, AVX2: 32 pixels per step, the tail by the SSE2 row.
 //
 // Each group V, Y0, U, Y1 stays in its 32-bit lane: the words V | Y0 << 8
-// and U | Y1 << 8 are the group's two pixels. Every table term is one byte
-// multiply-add (28 v, 34 u) and the high half of one 16-bit product; these
-// constants give the tables' values exactly over all 256 inputs (the
-// exhaustive YUV test holds them to it). Both chroma products come from one
-// multiply-add, the red and blue terms from one high half, the two green
-// terms from another.
-#include <immintrin.h>
-
+// and U | Y1 << 8 are the group's two pixels. The table terms are those of
+// yuv_core_avx2.h; both chroma products come from one multiply-add, the red
+// and blue terms from one high half, the two green terms from another. (Split
+// into luma bytes and pairs as NV21 rows, the same step takes longer here.)
 #include "jni/pixels/pixel_kernels.h"
+#include "jni/pixels/yuv_core_avx2.h"
 
 namespace ifc {
 
@@ -32,17 +29,16 @@ inline __m256i words_of_lane(int first, int second) {
 
 void yuv422_to_rgba_row_avx2(const uint8_t* vyuy, uint8_t* rgba, int width) {
     const __m256i chroma_sign = _mm256_set1_epi16(0x80);
-    const __m256i luma_floor = _mm256_set1_epi16(16 << 8), luma_weight = _mm256_set1_epi16(10 << 8);
-    const __m256i luma_scale = _mm256_set1_epi16(-4489);  // 61047 unsigned
-    const __m256i chroma_weights = word_pair(28, 34);
-    const __m256i red_blue = word_pair(29885, 31106), greens = word_pair(-15222, -6041);
+    const __m256i luma_floor = byte_weights_avx2(0, 16), luma_weight = byte_weights_avx2(0, kYuvLumaWeight);
+    const __m256i luma_scale = _mm256_set1_epi16(kYuvLumaScale);
+    const __m256i chroma_weights = word_pair(kYuvVWeight, kYuvUWeight);
+    const __m256i red_blue = word_pair(kYuvVToR, kYuvUToB), greens = word_pair(kYuvVToG, kYuvUToG);
     const __m256i first_word = words_of_lane(0, 0), second_word = words_of_lane(1, 1), swapped = words_of_lane(1, 0);
     int x = 0;
     for (; x + 32 <= width; x += 32) {
         // Quarters (4 pixels each) q0..q3 of each half reordered q0, q2 |
         // q1, q3: after the packs lane 0 holds pixels 0..3, 8..11, 16..19,
-        // 24..27, lane 1 the others, and the final unpacks leave whole runs
-        // of 8 pixels.
+        // 24..27, lane 1 the others, as store_rgba_quarters_avx2 wants.
         const __m256i g0 =
             _mm256_permute4x64_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(vyuy + 2 * x)), 0xD8);
         const __m256i g1 =
@@ -69,14 +65,7 @@ void yuv422_to_rgba_row_avx2(const uint8_t* vyuy, uint8_t* rgba, int width) {
         const __m256i g = channel(green0, green1);
         const __m256i b = channel(_mm256_shuffle_epi8(rb0, second_word), _mm256_shuffle_epi8(rb1, second_word));
 
-        const __m256i rg_lo = _mm256_unpacklo_epi8(r, g), rg_hi = _mm256_unpackhi_epi8(r, g);
-        const __m256i ba_lo = _mm256_unpacklo_epi8(b, _mm256_set1_epi8(-1));
-        const __m256i ba_hi = _mm256_unpackhi_epi8(b, _mm256_set1_epi8(-1));
-        __m256i* out = reinterpret_cast<__m256i*>(rgba + 4 * x);
-        _mm256_storeu_si256(out + 0, _mm256_unpacklo_epi16(rg_lo, ba_lo));
-        _mm256_storeu_si256(out + 1, _mm256_unpackhi_epi16(rg_lo, ba_lo));
-        _mm256_storeu_si256(out + 2, _mm256_unpacklo_epi16(rg_hi, ba_hi));
-        _mm256_storeu_si256(out + 3, _mm256_unpackhi_epi16(rg_hi, ba_hi));
+        store_rgba_quarters_avx2(r, g, b, rgba + 4 * x);
     }
     yuv422_to_rgba_row_sse2(vyuy + 2 * x, rgba + 4 * x, width - x);
 }
