@@ -40,15 +40,26 @@ void expect_variants_match(const char* kernel, int width, size_t out_bytes, Row 
 
 TEST_F(PixelKernelsTest, SimdRowsMatchReference) {
     // Identity, a saturating and negative mix with offsets, huge coefficients
-    // that saturate and wrap, NaN.
+    // that saturate and wrap, NaN; sepia, red and blue swapped, and outputs
+    // led by blue with offsets (the sums that cannot wrap, their weights of
+    // one half and more on red and green only, on blue only, or both).
     const float matrices[][16] = {
         {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1},
         {-1.5f, 2.25f, 0.5f, 0, 3, -0.75f, 1, 0, 0.1f, 0.2f, -2, 0, 0.5f, -0.25f, 1.0f, 0},
         {40000, -40000, 1e9f, 0, 300.5f, 7, -123.25f, 0, -1e9f, 0.0001f, 2, 0, 1e6f, -3e5f, 16, 0},
         {__builtin_nanf(""), 1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 0, 0, 0, 0, 0},
+        {0.393f, 0.349f, 0.272f, 0, 0.769f, 0.686f, 0.534f, 0, 0.189f, 0.168f, 0.131f, 0, 0, 0, 0, 1},
+        {0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1},
+        {0.3f, 0.3f, 0.3f, 0, 0.1f, 0.2f, 0.4f, 0, 0.9f, 1.2f, -0.7f, 0, 0.25f, -0.5f, 0, 0},
     };
     std::vector<ifc::MatrixFixed> fixed;
     for (const auto& m : matrices) fixed.push_back(ifc::matrix_to_fixed(m));
+    // Red and green weights whose sum over 255, 255 reaches INT32_MAX or
+    // INT32_MIN exactly, and one past it (wraps).
+    for (int32_t offset : {127, 128, -128, -129}) {
+        const int32_t k = offset > 0 ? 4210752 : -4210752;
+        fixed.push_back({{k, k, k, k, k, k, 0, 0, 0, offset, offset, offset}});
+    }
     std::mt19937 random(5);  // and arbitrary fixed-point coefficients
     for (int i = 0; i < 8; ++i) {
         fixed.emplace_back();
@@ -187,9 +198,10 @@ TEST_F(PixelKernelsTest, AlphaMixMatchesFormulaAtEveryEdge) {
 
 TEST_F(PixelKernelsTest, EveryYuvTripleMatchesFormula) {
     auto clamp = [](int x) { return static_cast<uint8_t>(x < 0 ? 0 : x > 255 ? 255 : x); };
-    // One row per (V, U): luma 0..255 with that chroma in every pair.
-    GuardedBuffer y(256), vu(256), want(1024), got(1024);
-    for (int i = 0; i < 256; ++i) y.data()[i] = static_cast<uint8_t>(i);
+    // One row per (V, U): luma 0..255 with that chroma in every pair, as
+    // NV21 planes and as packed V, Y0, U, Y1 groups.
+    GuardedBuffer y(256), vu(256), packed(512), want(1024), got(1024);
+    for (int i = 0; i < 256; ++i) y.data()[i] = packed.data()[2 * i + 1] = static_cast<uint8_t>(i);
     const std::vector<PixelKernels> variants = ifc::kernel_variants();
     int mismatches = 0;
     for (int v = 0; v < 256; ++v) {
@@ -197,6 +209,8 @@ TEST_F(PixelKernelsTest, EveryYuvTripleMatchesFormula) {
             for (int i = 0; i < 256; i += 2) {
                 vu.data()[i] = static_cast<uint8_t>(v);
                 vu.data()[i + 1] = static_cast<uint8_t>(u);
+                packed.data()[2 * i] = static_cast<uint8_t>(v);
+                packed.data()[2 * i + 2] = static_cast<uint8_t>(u);
             }
             ifc::nv21_to_rgba_row_c(y.data(), vu.data(), want.data(), 256);
             for (int i = 0; i < 256; ++i) {
@@ -209,6 +223,8 @@ TEST_F(PixelKernelsTest, EveryYuvTripleMatchesFormula) {
             }
             for (const PixelKernels& k : variants) {
                 k.nv21_to_rgba_row(y.data(), vu.data(), got.data(), 256);
+                mismatches += !(want == got);
+                k.yuv422_to_rgba_row(packed.data(), got.data(), 256);
                 mismatches += !(want == got);
             }
         }

@@ -54,46 +54,137 @@ void gray_row_avx2(const uint8_t* src, uint8_t* dst, int count, int channels) {
     gray_row_sse2(src + 4 * i, dst + 4 * i, count - i, channels);
 }
 
+namespace {
+
 // Each pixel's bytes become the word pairs (R, G) and (B, 1). Every 32-bit
 // coefficient is split as k = high * 65536 + low with signed 16-bit halves
 // (the offset's pair pairs with the 1); per output,
 // low sums + (high sums << 16) is the wrapped 32-bit sum of the reference.
-void matrix_row_avx2(const uint8_t* src, uint8_t* dst, int count, int channels, const MatrixFixed& f) {
-    if (channels != 4) return matrix_row_c(src, dst, count, channels, f);
+struct MatrixWords {
     __m256i low_rg[3], low_b1[3], high_rg[3], high_b1[3];
+    bool high_only_rg[3], high_only_b1[3];
+    bool never_wraps = true;
+};
+
+MatrixWords matrix_words(const MatrixFixed& f) {
+    MatrixWords w;
     for (int c = 0; c < 3; ++c) {
         int16_t l[4], h[4];
         matrix_split_words(f, c, l, h);
-        low_rg[c] = word_pair(l[0], l[1]);
-        low_b1[c] = word_pair(l[2], l[3]);
-        high_rg[c] = word_pair(h[0], h[1]);
-        high_b1[c] = word_pair(h[2], h[3]);
+        w.low_rg[c] = word_pair(l[0], l[1]);
+        w.low_b1[c] = word_pair(l[2], l[3]);
+        w.high_rg[c] = word_pair(h[0], h[1]);
+        w.high_b1[c] = word_pair(h[2], h[3]);
+        w.high_only_rg[c] = h[2] == 0 && h[3] == 0;
+        w.high_only_b1[c] = h[0] == 0 && h[1] == 0;
+        int64_t lowest = f.k[9 + c], highest = f.k[9 + c];
+        for (int i = 0; i < 3; ++i) (f.k[3 * i + c] < 0 ? lowest : highest) += int64_t{255} * f.k[3 * i + c];
+        w.never_wraps = w.never_wraps && lowest >= INT32_MIN && highest <= INT32_MAX;
     }
-    const __m256i rg = lane_bytes(0, kZero, 1, kZero), b = lane_bytes(2, kZero, kZero, kZero);
-    const __m256i one_in_word1 = _mm256_set1_epi32(0x10000);
-    // Outputs 0, 1, 2 of pixels 0..3 of a lane (bytes 0..3, 4..7, 8..11
-    // after the packs) back into pixel order, byte 3 zero.
-    const __m256i interleave = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(0, 4, 8, kZero, 1, 5, 9, kZero, 2, 6, 10, kZero, 3, 7, 11, kZero));
-    int i = 0;
-    for (; i + 8 <= count; i += 8) {
+    return w;
+}
+
+inline __m256i matrix_rg(__m256i px) { return _mm256_shuffle_epi8(px, lane_bytes(0, kZero, 1, kZero)); }
+inline __m256i matrix_b1(__m256i px) {
+    return _mm256_or_si256(_mm256_shuffle_epi8(px, lane_bytes(2, kZero, kZero, kZero)), _mm256_set1_epi32(0x10000));
+}
+
+// Three outputs of 8 pixels (32-bit lanes, in `slot` order) to bytes 0..2
+// in output order; byte 3 from the destination.
+inline void store_matrix_outputs(uint8_t* dst, const __m256i (&out)[3], __m256i interleave) {
+    // Below 1.0 (including negative) gives 0, above 255 gives 255: exactly
+    // the signed-then-unsigned saturating packs.
+    const __m256i words01 = _mm256_packs_epi32(out[0], out[1]);
+    const __m256i words2 = _mm256_packs_epi32(out[2], out[2]);
+    store_keep_byte3(dst, _mm256_shuffle_epi8(_mm256_packus_epi16(words01, words2), interleave));
+}
+
+// After the packs a lane holds slot s of pixel p at byte 4 s + p; output c
+// sits in slot slot_of[c].
+__m256i matrix_interleave(const int (&slot_of)[3]) {
+    alignas(16) int8_t lane[16];
+    for (int p = 0; p < 4; ++p) {
+        for (int c = 0; c < 3; ++c) lane[4 * p + c] = static_cast<int8_t>(4 * slot_of[c] + p);
+        lane[4 * p + 3] = kZero;
+    }
+    return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(lane)));
+}
+
+// Sums that stay inside int32 for every pixel: the sum >> 16 is then the
+// high sum plus the low sum >> 16, and when an output's high halves sit in
+// one word pair, that high sum is one multiply-add. Slots 0..RgSlots-1
+// take theirs from (R, G), the others from (B, 1).
+template <int RgSlots>
+void matrix_rows_unwrapped(const uint8_t* src, uint8_t* dst, int count, const __m256i (&low_rg)[3],
+                           const __m256i (&low_b1)[3], const __m256i (&high)[3], __m256i interleave) {
+    for (int i = 0; i + 8 <= count; i += 8) {
         const __m256i px = load8(src + 4 * i);
-        const __m256i p_rg = _mm256_shuffle_epi8(px, rg);
-        const __m256i p_b1 = _mm256_or_si256(_mm256_shuffle_epi8(px, b), one_in_word1);
-        __m256i out[3];
-        for (int c = 0; c < 3; ++c) {
-            const __m256i low = _mm256_add_epi32(_mm256_madd_epi16(p_rg, low_rg[c]), _mm256_madd_epi16(p_b1, low_b1[c]));
-            const __m256i high =
-                _mm256_add_epi32(_mm256_madd_epi16(p_rg, high_rg[c]), _mm256_madd_epi16(p_b1, high_b1[c]));
-            // Below 1.0 (including negative) gives 0, above 255 gives 255:
-            // exactly the signed-then-unsigned saturating packs below.
-            out[c] = _mm256_srai_epi32(_mm256_add_epi32(low, _mm256_slli_epi32(high, 16)), 16);
-        }
-        const __m256i words01 = _mm256_packs_epi32(out[0], out[1]);
-        const __m256i words2 = _mm256_packs_epi32(out[2], out[2]);
-        store_keep_byte3(dst + 4 * i, _mm256_shuffle_epi8(_mm256_packus_epi16(words01, words2), interleave));
+        const __m256i p_rg = matrix_rg(px), p_b1 = matrix_b1(px);
+        auto slot = [&](int s) {
+            const __m256i low = _mm256_add_epi32(_mm256_madd_epi16(p_rg, low_rg[s]), _mm256_madd_epi16(p_b1, low_b1[s]));
+            return _mm256_add_epi32(_mm256_srai_epi32(low, 16), _mm256_madd_epi16(s < RgSlots ? p_rg : p_b1, high[s]));
+        };
+        // Spelled out: a loop over the slots is kept as one, through memory.
+        store_matrix_outputs(dst + 4 * i, {slot(0), slot(1), slot(2)}, interleave);
     }
-    matrix_row_sse2(src + 4 * i, dst + 4 * i, count - i, channels, f);
+}
+
+// Matrices whose every output takes its high halves from one word pair and
+// whose sums cannot wrap (no offsets to speak of, weights in the usual
+// ranges): the rows above, slots ordered (R, G) first. False for the rest.
+bool matrix_rows_short(const uint8_t* src, uint8_t* dst, int count, const MatrixWords& w) {
+    if (!w.never_wraps) return false;
+    int order[3], n = 0;
+    for (int c = 0; c < 3; ++c)
+        if (w.high_only_rg[c]) order[n++] = c;
+    const int rg_slots = n;
+    for (int c = 0; c < 3; ++c)
+        if (!w.high_only_rg[c]) {
+            if (!w.high_only_b1[c]) return false;
+            order[n++] = c;
+        }
+    int slot_of[3];
+    __m256i low_rg[3], low_b1[3], high[3];
+    for (int s = 0; s < 3; ++s) {
+        const int c = order[s];
+        slot_of[c] = s;
+        low_rg[s] = w.low_rg[c];
+        low_b1[s] = w.low_b1[c];
+        high[s] = s < rg_slots ? w.high_rg[c] : w.high_b1[c];
+    }
+    const __m256i interleave = matrix_interleave(slot_of);
+    switch (rg_slots) {
+        case 0: matrix_rows_unwrapped<0>(src, dst, count, low_rg, low_b1, high, interleave); break;
+        case 1: matrix_rows_unwrapped<1>(src, dst, count, low_rg, low_b1, high, interleave); break;
+        case 2: matrix_rows_unwrapped<2>(src, dst, count, low_rg, low_b1, high, interleave); break;
+        default: matrix_rows_unwrapped<3>(src, dst, count, low_rg, low_b1, high, interleave); break;
+    }
+    return true;
+}
+
+}  // namespace
+
+void matrix_row_avx2(const uint8_t* src, uint8_t* dst, int count, int channels, const MatrixFixed& f) {
+    if (channels != 4) return matrix_row_c(src, dst, count, channels, f);
+    const MatrixWords w = matrix_words(f);
+    const int whole = count & ~7;
+    if (!matrix_rows_short(src, dst, whole, w)) {
+        const int identity[3] = {0, 1, 2};
+        const __m256i interleave = matrix_interleave(identity);
+        for (int i = 0; i < whole; i += 8) {
+            const __m256i px = load8(src + 4 * i);
+            const __m256i p_rg = matrix_rg(px), p_b1 = matrix_b1(px);
+            auto output = [&](int c) {
+                const __m256i low =
+                    _mm256_add_epi32(_mm256_madd_epi16(p_rg, w.low_rg[c]), _mm256_madd_epi16(p_b1, w.low_b1[c]));
+                const __m256i high =
+                    _mm256_add_epi32(_mm256_madd_epi16(p_rg, w.high_rg[c]), _mm256_madd_epi16(p_b1, w.high_b1[c]));
+                return _mm256_srai_epi32(_mm256_add_epi32(low, _mm256_slli_epi32(high, 16)), 16);
+            };
+            store_matrix_outputs(dst + 4 * i, {output(0), output(1), output(2)}, interleave);
+        }
+    }
+    matrix_row_sse2(src + 4 * whole, dst + 4 * whole, count - whole, channels, f);
 }
 
 namespace {

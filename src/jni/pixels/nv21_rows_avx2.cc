@@ -21,9 +21,9 @@ void nv21_to_rgba_row_pair_avx2(const uint8_t* y0, const uint8_t* y1, const uint
                                 uint8_t* rgba1, int width) {
     int x = 0;
     for (; x + 32 <= width; x += 32) {
-        const ChromaTerms32 terms = chroma_terms_avx2(load32(vu + x));
-        luma32_to_rgba_avx2(load32(y0 + x), terms, rgba0 + 4 * x);
-        luma32_to_rgba_avx2(load32(y1 + x), terms, rgba1 + 4 * x);
+        const ChromaTerms32 terms = chroma_terms_avx2(quarters_in_store_order(load32(vu + x)));
+        luma32_to_rgba_avx2(quarters_in_store_order(load32(y0 + x)), terms, rgba0 + 4 * x);
+        luma32_to_rgba_avx2(quarters_in_store_order(load32(y1 + x)), terms, rgba1 + 4 * x);
     }
     nv21_to_rgba_row_sse2(y0 + x, vu + x, rgba0 + 4 * x, width - x);
     nv21_to_rgba_row_sse2(y1 + x, vu + x, rgba1 + 4 * x, width - x);
