@@ -14,6 +14,7 @@ import time
 from pathlib import Path
 
 from selenium import webdriver
+from selenium.common.exceptions import StaleElementReferenceException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
@@ -49,10 +50,11 @@ def main():
         server, url = start_server(filterpack, str(bundle))
         driver = browser()
         try:
-            wait = WebDriverWait(driver, TIMEOUT)
+            # The page rebuilds its controls when a package reloads: an
+            # element found a moment ago may be gone, so look again.
+            wait = WebDriverWait(driver, TIMEOUT, ignored_exceptions=[StaleElementReferenceException])
             driver.get(url)
-            picture = driver.find_element(By.ID, "picture")
-            digest = lambda: picture.get_attribute("data-digest") or ""
+            digest = lambda: driver.find_element(By.ID, "picture").get_attribute("data-digest") or ""
 
             Select(driver.find_element(By.ID, "package")).select_by_value("dreamy")
             wait.until(lambda d: d.find_elements(By.CSS_SELECTOR, '[data-param="strength"] input[type=range]'))
