@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "engine/gl_frame_state.h"
+#include "image/image_internal.h"
 #include "jni/bridge/log.h"
 
 const HFGLTextureOptions defaultTextureOptions = {
@@ -25,17 +26,12 @@ size_t bytesGLReads(const _Image& image, GLenum format) {
     if (image.width <= 0 || image.height <= 0) return 0;
     GLint alignment = 4;
     glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
-    if (alignment < 1) alignment = 1;
-    const size_t row = static_cast<size_t>(image.width) * static_cast<size_t>(bytesPerTexel(format));
-    const size_t alignedRow = (row + static_cast<size_t>(alignment) - 1) / static_cast<size_t>(alignment) *
-                              static_cast<size_t>(alignment);
-    return alignedRow * (static_cast<size_t>(image.height) - 1) + row;
+    return ifc::paddedRowsBytes(image.width, image.height, bytesPerTexel(format), alignment);
 }
 
 size_t bytesHeld(const _Image& image) {
     if (image.size != 0) return image.size;
-    if (image.stride <= 0 || image.height <= 0) return 0;
-    return static_cast<size_t>(image.stride) * static_cast<size_t>(image.height);
+    return ifc::heldBytes(image.stride, image.height);
 }
 
 // Sizes GL rejects before reading anything need no copy.
@@ -101,18 +97,23 @@ void HFGLTexture::setImage(_Image* image) {
         recordedSize = HFSize{0, 0};
         return;
     }
-    recordedSize = HFSize{image->width, image->height};
     GLenum format = GL_RGBA;
     if (image->channels == 1) {
         format = GL_LUMINANCE;
     } else if (image->channels == 2) {
         format = GL_LUMINANCE_ALPHA;
     }
+    const size_t wanted = bytesGLReads(*image, format);
+    if (image->data != nullptr && ifc::tooLarge(wanted)) {
+        // GL would read past any buffer this ABI can address: the texture is left as it was.
+        log_printE("image %dx%d is too large to upload here", image->width, image->height);
+        return;
+    }
+    recordedSize = HFSize{image->width, image->height};
     options.internalFormat = format;
     // GL sees the image's bytes as they are and zeros past their end.
     const void* pixels = image->data;
     std::vector<unsigned char> padded;
-    const size_t wanted = bytesGLReads(*image, format);
     const size_t held = bytesHeld(*image);
     if (pixels != nullptr && wanted > held && withinTextureLimits(image->width, image->height)) {
         padded.assign(wanted, 0);

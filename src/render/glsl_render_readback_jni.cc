@@ -3,10 +3,10 @@
 #include <GLES2/gl2.h>
 #include <jni.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
+#include "image/image_internal.h"
 #include "jni/bridge/bridge.h"
 #include "jni/bridge/native_guard.h"
 #include "render/gl_utils.h"
@@ -16,12 +16,10 @@
 
 namespace {
 
-// A size whose bytes a 32-bit size_t cannot hold asks for SIZE_MAX, more than
-// any Java array has, so the array check refuses it instead of wrapping.
+// A size whose bytes a 32-bit size_t cannot hold asks for more than any Java
+// array has, so the array check refuses it instead of wrapping.
 size_t rgbaBytes(int width, int height) {
-    if (width <= 0 || height <= 0) return 0;
-    uint64_t bytes = static_cast<uint64_t>(width) * static_cast<uint64_t>(height) * 4;
-    return bytes > SIZE_MAX ? SIZE_MAX : static_cast<size_t>(bytes);
+    return width > 0 && height > 0 ? ifc::byteCount(width, height, 4) : 0;
 }
 
 // Slots travel from Java as int; negative ones mean "no pool" as 4 and up do.

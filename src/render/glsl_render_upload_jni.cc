@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "image/image_internal.h"
 #include "jni/bridge/bridge.h"
 #include "jni/bridge/native_guard.h"
 #include "jni/pixels/qimage_pixels.h"
@@ -22,7 +23,8 @@ namespace {
 using MallocBuffer = std::unique_ptr<uint8_t, decltype(&free)>;
 
 MallocBuffer mallocTile(const TileRect& tile) {
-    auto* bytes = static_cast<uint8_t*>(malloc(static_cast<size_t>(tile.width) * tile.height * 4));
+    const size_t size = ifc::byteCount(tile.width, tile.height, 4);
+    auto* bytes = ifc::tooLarge(size) ? nullptr : static_cast<uint8_t*>(malloc(size));
     if (bytes == nullptr) log_printE("malloc pixel data out of memory");
     return MallocBuffer(bytes, &free);
 }
@@ -89,7 +91,7 @@ void histogramFromGPU(uint8_t* pixels, int32_t* history, int x, int y, int w, in
 bool curveBuffersHold(JNIEnv* env, jlong pixels, jlong history, int w, int h, int frameCount, int frameIndex) {
     auto holds = [](jlong buffer, int64_t bytes) {
         if (buffer == 0 || bytes <= 0) return true;
-        return nativeBufferHolds(fromJavaHandle<void>(buffer), static_cast<size_t>(bytes));
+        return nativeBufferHolds(fromJavaHandle<void>(buffer), ifc::byteCount(bytes));
     };
     int64_t historyBytes = int64_t{frameCount} * kCurveBins * 4;
     int64_t pixelBytes = frameIndex < 0 || w < 0 || h < 0 ? 0 : int64_t{w} * h * 4;
@@ -100,9 +102,7 @@ bool curveBuffersHold(JNIEnv* env, jlong pixels, jlong history, int w, int h, in
 
 size_t words(const LockedBitmap& bitmap) { return bitmap.byteCount() / 4; }
 
-size_t area(const LockedBitmap& bitmap) {
-    return static_cast<size_t>(bitmap.info().width) * bitmap.info().height;
-}
+size_t area(const LockedBitmap& bitmap) { return ifc::byteCount(bitmap.info().width, bitmap.info().height); }
 
 }  // namespace
 
@@ -216,8 +216,7 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativeCopyTexture2(JNI
         _Image* image = imageWithPixels(env, qimage);
         if (image == nullptr) return;
         // The read is RGBA whatever the image holds: refuse images too small for it.
-        size_t needed = static_cast<size_t>(image->width > 0 ? image->width : 0) *
-                        static_cast<size_t>(image->height > 0 ? image->height : 0) * 4;
+        size_t needed = image->width > 0 && image->height > 0 ? ifc::byteCount(image->width, image->height, 4) : 0;
         size_t available = ifc::image_capacity(image);
         if (needed > available) {
             jniThrowRuntimeException(env, "image too small for an RGBA read");

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 
+#include "image/image_internal.h"
 #include "jni/bridge/jni_guards.h"
 
 using ifc::ByteElements;
@@ -31,7 +32,7 @@ public:
     int result() const { return result_; }
     const AndroidBitmapInfo& info() const { return info_; }
     void* pixels() const { return pixels_; }
-    size_t byteCount() const { return static_cast<size_t>(info_.stride) * info_.height; }
+    size_t byteCount() const { return ifc::heldBytes(info_.stride, info_.height); }
     // Unlocks now; the unlock result.
     int unlock();
 

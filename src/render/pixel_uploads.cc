@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "image/image_internal.h"
 #include "jni/pixels/qimage_pixels.h"
 #include "render/gl_utils.h"
 
@@ -27,10 +28,7 @@ size_t unpackedByteCount(int width, int height, int bytesPerPixel) {
     if (width <= 0 || height <= 0) return 0;
     GLint alignment = 4;
     glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
-    if (alignment < 1) alignment = 1;
-    size_t row = static_cast<size_t>(width) * bytesPerPixel;
-    size_t paddedRow = (row + alignment - 1) / alignment * alignment;
-    return paddedRow * (static_cast<size_t>(height) - 1) + row;
+    return ifc::paddedRowsBytes(width, height, bytesPerPixel, alignment);
 }
 
 // height x 1.5 truncated toward zero, done in integers: the double product
@@ -56,11 +54,13 @@ void uploadPreviewRGBA(const void* data, GLuint texture, int width, int height) 
 }
 
 void uploadCurveTexture(const int32_t* curve, int n, GLuint texture) {
-    if (n < 1) return;
-    std::vector<uint8_t> texels(static_cast<size_t>(n) * kCurveRows * 4, 0);
+    const size_t bytes = ifc::byteCount(n, kCurveRows, 4);
+    if (n < 1 || ifc::tooLarge(bytes)) return;
+    std::vector<uint8_t> texels(bytes, 0);
+    const size_t rowBytes = bytes / kCurveRows;
     for (int row = 0; row < kCurveRows; ++row) {
-        uint8_t* texel = texels.data() + static_cast<size_t>(row) * n * 4;
-        for (int i = 0; i < n; ++i) {
+        uint8_t* texel = texels.data() + row * rowBytes;
+        for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
             auto value = static_cast<uint8_t>(curve[i]);
             texel[i * 4 + 0] = value;
             texel[i * 4 + 1] = value;
@@ -79,6 +79,7 @@ void uploadImageTexture(const _Image* image, GLuint texture) {
     if (format == 0) return;
     const void* pixels = image->data;
     size_t needed = unpackedByteCount(image->width, image->height, image->channels);
+    if (ifc::tooLarge(needed)) return;  // GL would read past any buffer this ABI has
     // Never more than the rows hold: a turned image keeps its old, larger size.
     size_t available = ifc::image_capacity(image);
     std::vector<uint8_t> padded;

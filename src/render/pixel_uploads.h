@@ -11,7 +11,8 @@
 #include "image_filter/image.h"
 
 // Bytes glTexImage2D reads for width x height pixels of bytesPerPixel under
-// the current GL_UNPACK_ALIGNMENT; 0 for empty sizes.
+// the current GL_UNPACK_ALIGNMENT; 0 for empty sizes, SIZE_MAX (no buffer is
+// that large) when the count does not fit this ABI's size_t.
 size_t unpackedByteCount(int width, int height, int bytesPerPixel);
 
 // Rows of a camera frame with 4:2:0 semi-planar chroma: height x 1.5,

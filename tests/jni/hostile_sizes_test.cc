@@ -8,15 +8,92 @@
 #include <cstring>
 #include <vector>
 
+#include "image/image_internal.h"
 #include "image_filter/filters.h"
 #include "jni/pixels/blur8.h"
 #include "jni/pixels/frame_checks.h"
 #include "jni/pixels/qimage_pixels.h"
+#include "jni/qimage/qimage_ops.h"
 
 namespace {
 
 using ifc::FrameCheck;
 using ifc::FrameFormat;
+
+constexpr uint32_t kNo32 = UINT32_MAX;  // what a 32-bit ABI gets for a size it cannot hold
+constexpr uint64_t kGiB = uint64_t{1} << 30;
+constexpr bool kSize32 = sizeof(size_t) == 4;
+
+// Byte counts as a 32-bit ABI and a 64-bit one compute them: the first
+// refuses every size past its address space, the second is exact.
+TEST(HostileSizes, ByteCountsRefuseWhatThisAbisSizeCannotHold) {
+    struct Case {
+        int64_t a, b, c;
+        uint32_t on32;
+        uint64_t on64;
+    };
+    const Case products[] = {
+        {4096, 1 << 20, 4, kNo32, 16 * kGiB},              // 0 when wrapped
+        {INT32_MAX, INT32_MAX, 4, kNo32, UINT64_MAX},        // 4 when wrapped; past int64 too
+        {65536, 65536, 1, kNo32, 4 * kGiB},
+        {65537, 65535, 1, kNo32, 0xFFFFFFFFu},              // the largest count is taken for "too large"
+        {2, 0x7FFFFFFF, 1, 0xFFFFFFFEu, 0xFFFFFFFEu},
+        {1 << 22, 256, 4, kNo32, 4 * kGiB},                 // a history ring of 2^22 frames
+        {INT32_MAX, INT32_MAX, INT32_MAX, kNo32, UINT64_MAX},  // past 64 bits too
+        {-1, 4, 4, kNo32, UINT64_MAX},
+        {0, INT32_MAX, INT32_MAX, 0, 0},
+        {640, 480, 4, 1228800, 1228800},
+    };
+    for (const Case& c : products) {
+        EXPECT_EQ(c.on32, ifc::byteCount<uint32_t>(c.a, c.b, c.c)) << c.a << " x " << c.b << " x " << c.c;
+        EXPECT_EQ(c.on64, ifc::byteCount<uint64_t>(c.a, c.b, c.c)) << c.a << " x " << c.b << " x " << c.c;
+    }
+    // This build's own size_t: 2^32 fits only on a 64-bit ABI.
+    EXPECT_EQ(kSize32, ifc::tooLarge(ifc::byteCount(65536, 65536)));
+    EXPECT_EQ(kSize32 ? SIZE_MAX : static_cast<size_t>(16 * kGiB), ifc::byteCount(4096, 1 << 20, 4));
+
+    // Rows padded to the alignment, the last one not: 3 RGB pixels are 9
+    // bytes, 12 with padding. Each step of the sum can leave 32 bits.
+    EXPECT_EQ(21u, ifc::paddedRowsBytes<uint32_t>(3, 2, 3, 4));
+    EXPECT_EQ(18u, ifc::paddedRowsBytes<uint32_t>(3, 2, 3, 0));  // no alignment reads as 1
+    EXPECT_EQ(0u, ifc::paddedRowsBytes<uint32_t>(0, 1 << 30, 4, 4));
+    EXPECT_EQ(kNo32, ifc::paddedRowsBytes<uint32_t>(1 << 30, 1, 4, 1));  // one row
+    EXPECT_EQ(kNo32, ifc::paddedRowsBytes<uint32_t>(16384, 65537, 4, 4));  // the rows above the last
+    EXPECT_EQ(kNo32, ifc::paddedRowsBytes<uint32_t>(65536, 65536, 1, 1));  // 2^32 - 65536, then the last row
+    EXPECT_EQ(4 * kGiB, ifc::paddedRowsBytes<uint64_t>(65536, 65536, 1, 1));
+    EXPECT_EQ(0xFFFF0000u, ifc::paddedRowsBytes<uint32_t>(65536, 65535, 1, 8));
+    EXPECT_EQ(uint64_t{65536} * 65535 + 65535, ifc::paddedRowsBytes<uint64_t>(65535, 65536, 1, 4));
+
+    // What a record claims to hold: nothing when this ABI cannot address it.
+    EXPECT_EQ(0u, ifc::heldBytes<uint32_t>(65536, 65536));
+    EXPECT_EQ(4 * kGiB, ifc::heldBytes<uint64_t>(65536, 65536));
+    EXPECT_EQ(0u, ifc::heldBytes<uint32_t>(-4, 4));
+    EXPECT_EQ(48u, ifc::heldBytes<uint32_t>(12, 4));
+}
+
+// Records whose stride x height leaves 32 bits (headers over borrowed or
+// foreign pixels can claim any size): the copies take nothing from them
+// on a 32-bit ABI instead of the 16 bytes a wrapped count leaves.
+TEST(HostileSizes, RecordsBeyondTheAddressSpaceHoldNothing) {
+    uint8_t pixels[64] = {};
+    _Image header{pixels, 0, 1 << 28, 4, 4, (1 << 30) + 4, 0, 0, nullptr};  // 2^32 + 16 bytes
+    EXPECT_EQ(kSize32 ? 0 : 4 * kGiB + 16, ifc::image_capacity(&header));
+    uint8_t out[32] = {};
+    EXPECT_EQ(kSize32 ? 0u : 32u, ifc::copyImagePrefix(&header, sizeof out, out, sizeof out));
+}
+
+// Colour ints of a one-channel image read 4 bytes a pixel from a
+// zero-padded copy; 65536 x 16384 of them are 2^32 bytes, 0 when wrapped,
+// and the copy of the image's 1 GiB overran the empty buffer. Only a
+// 32-bit ABI refuses: a 64-bit one copies the claimed gigabyte.
+TEST(HostileSizes, ColourIntsRefuseACopyThisAbiCannotHold) {
+    if (!kSize32) GTEST_SKIP() << "a 64-bit ABI reads the header's whole claimed gigabyte";
+    uint8_t pixels[64] = {};
+    _Image header{pixels, 0, 65536, 16384, 1, 65536, 0, 0, nullptr};
+    uint8_t out[16] = {7};
+    EXPECT_FALSE(ifc::writeColorInts(&header, out, true, false));
+    EXPECT_EQ(7, out[0]);
+}
 
 TEST(HostileSizes, FrameChecksRefuseInTheNativesOrder) {
     struct Case {

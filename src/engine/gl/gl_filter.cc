@@ -7,6 +7,7 @@
 
 #include "engine/gl/matrix3.h"
 #include "engine/saturating_cast.h"
+#include "image/image_internal.h"
 #include "jni/bridge/log.h"
 #include "engine/gl_frame_state.h"
 
@@ -262,6 +263,8 @@ GLint HFGLFilter::locationInProgramZero(const char* name) {
 }
 
 GLint HFGLFilter::uniformToSend(const char* name, GLenum kind, const void* values, size_t size) {
+    // A count too large for this ABI describes no array the caller can hold.
+    if (ifc::tooLarge(size)) return -1;
     const GLint location = locationInProgramZero(name);
     if (location < 0 || !programs[0]->uniforms.changed(location, kind, values, size)) return -1;
     if (GLFrameState::inFrame()) programs[0]->use();
@@ -270,7 +273,7 @@ GLint HFGLFilter::uniformToSend(const char* name, GLenum kind, const void* value
 
 namespace {
 
-size_t floatBytes(int count) { return count > 0 ? static_cast<size_t>(count) * sizeof(float) : 0; }
+size_t floatBytes(int64_t count) { return count > 0 ? ifc::byteCount(count, sizeof(float)) : 0; }
 
 }  // namespace
 
@@ -319,7 +322,7 @@ void HFGLFilter::setFloatArray(int index, float* values, int count) {
 }
 
 void HFGLFilter::setVec2Array(const char* name, float* values, int count) {
-    const GLint location = uniformToSend(name, GL_FLOAT_VEC2, values, floatBytes(2 * count));
+    const GLint location = uniformToSend(name, GL_FLOAT_VEC2, values, floatBytes(int64_t{2} * count));
     if (location >= 0) glUniform2fv(location, count, values);
 }
 

@@ -5,15 +5,13 @@
 #include <cstring>
 
 #include "image/borrowed_pixels.h"
+#include "image/image_internal.h"
 #include "jni/bridge/bridge.h"
 #include "jni/bridge/native_guard.h"
 
 namespace {
 
-size_t imageBytes(const _Image* image) {
-    if (image->stride <= 0 || image->height <= 0) return 0;
-    return static_cast<size_t>(image->stride) * static_cast<size_t>(image->height);
-}
+size_t imageBytes(const _Image* image) { return ifc::heldBytes(image->stride, image->height); }
 
 }  // namespace
 
@@ -75,7 +73,7 @@ JNIEXPORT jint JNICALL Java_com_lumeric_util_FilterEngineJNILib_nativeCopyImage(
         result = AndroidBitmap_lockPixels(env, bitmap, &pixels);
         if (result < 0) return result;
         // Never more than the bitmap holds, whatever the image's size.
-        copyImageToPixels(image, pixels, static_cast<size_t>(info.stride) * info.height);
+        copyImageToPixels(image, pixels, ifc::heldBytes(info.stride, info.height));
         return AndroidBitmap_unlockPixels(env, bitmap);
     });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "image/image_internal.h"
 #include "image_filter/filters.h"
 #include "jni/pixels/pixel_kernels.h"
 #include "jni/pixels/qimage_pixels.h"
@@ -18,7 +19,10 @@ int64_t pixel_count(const _Image* image) { return int64_t{image->width} * image-
 int64_t buffer_bytes(const _Image* image) {
     if (image->size > 0) return image->size;
     if (image->width <= 0 || image->height <= 0) return 0;
-    return std::max<int64_t>(pixel_count(image) * image->channels, static_cast<int64_t>(ifc::image_capacity(image)));
+    const int64_t promised = std::max<int64_t>(pixel_count(image) * image->channels,
+                                               static_cast<int64_t>(ifc::image_capacity(image)));
+    // No buffer of this ABI holds more than its size_t counts.
+    return static_cast<int64_t>(ifc::heldBytes(promised, 1));
 }
 
 // Runs row(src, dst, n) over the pixels whose bytes 0..2 (the source's

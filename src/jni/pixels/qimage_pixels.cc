@@ -4,13 +4,14 @@
 #include <cstdint>
 #include <cstring>
 
+#include "image/image_internal.h"
 #include "jni/pixels/pixel_kernels.h"
 
 namespace ifc {
 
 size_t image_capacity(const _Image* image) {
     if (!image || !image->data || image->stride <= 0 || image->height <= 0) return 0;
-    const size_t rows = size_t(image->stride) * size_t(image->height);
+    const size_t rows = heldBytes(image->stride, image->height);
     return image->size == 0 ? rows : std::min<size_t>(image->size, rows);
 }
 
@@ -18,7 +19,7 @@ _Image* frame_image_for(_Image* current, int width, int height) {
     const int64_t pixels = int64_t{width} * height;
     if (current) {
         // The channel count is not compared; only the room for the pixels.
-        if (int64_t{current->width} * current->height == pixels && image_capacity(current) >= size_t(pixels) * 4)
+        if (int64_t{current->width} * current->height == pixels && image_capacity(current) >= byteCount(pixels, 4))
             return current;
         free_image(&current);  // a bound bitmap's pixels stay the bitmap's
     }

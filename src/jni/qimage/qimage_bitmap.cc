@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "image/borrowed_pixels.h"
+#include "image/image_internal.h"
 #include "jni/bridge/bridge.h"
 #include "jni/bridge/native_guard.h"
 #include "jni/qimage/qimage_guards.h"
@@ -14,10 +15,12 @@
 
 namespace {
 
-size_t bitmapBytes(const AndroidBitmapInfo& info) { return static_cast<size_t>(info.stride) * info.height; }
+size_t bitmapBytes(const AndroidBitmapInfo& info) { return ifc::heldBytes(info.stride, info.height); }
 
+// Copies take the least of this, the image's and the bitmap's bytes: a
+// count too large for this ABI leaves the other two to bound them.
 size_t packedBytes(const _Image* image, const AndroidBitmapInfo& info) {
-    return static_cast<size_t>(std::max(image->channels, 0)) * info.width * info.height;
+    return ifc::byteCount(std::max(image->channels, 0), info.width, info.height);
 }
 
 // Steps shared by Bitmap2QImage and BindBitmap: the format and lock errors

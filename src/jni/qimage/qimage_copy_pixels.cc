@@ -22,7 +22,9 @@ void copyPixels(JNIEnv* env, jobject self, jintArray pixels, jboolean mirror, bo
         return;
     }
     ifc::IntElements elements(env, pixels);
-    ifc::writeColorInts(qimage.image, reinterpret_cast<unsigned char*>(elements.data()), mirror, swapRB);
+    if (!ifc::writeColorInts(qimage.image, reinterpret_cast<unsigned char*>(elements.data()), mirror, swapRB)) {
+        jniThrowRuntimeException(env, "image too large to copy on this device");
+    }
 }
 
 }  // namespace

@@ -17,10 +17,12 @@ int64_t clippedSize(int origin, int size, int limit) {
 }
 
 // The image's bytes, or a zero-padded copy when fewer than `needed` exist:
-// reads past the buffer see zeros.
+// reads past the buffer see zeros. Null when the copy could not be
+// addressed on this ABI.
 const unsigned char* readableBytes(const _Image* image, int64_t needed, std::vector<unsigned char>* scratch) {
     int64_t extent = imageExtent(image);
     if (extent >= needed) return image->data;
+    if (tooLarge(byteCount(needed))) return nullptr;
     scratch->assign(static_cast<size_t>(needed), 0);
     if (extent > 0) std::memcpy(scratch->data(), image->data, static_cast<size_t>(extent));
     return scratch->data();
@@ -79,15 +81,16 @@ int64_t colorIntBytes(const _Image* image, bool mirror) {
     return (h - 1) * w * std::max(image->channels, 0) + w * 4;
 }
 
-void writeColorInts(const _Image* image, unsigned char* out, bool mirror, bool swapRB) {
-    if (colorIntBytes(image, mirror) == 0 || out == nullptr) return;
+bool writeColorInts(const _Image* image, unsigned char* out, bool mirror, bool swapRB) {
+    if (colorIntBytes(image, mirror) == 0 || out == nullptr) return true;
     int64_t w = image->width, h = image->height;
     std::vector<unsigned char> scratch;
     // Source pixels are 4 bytes whatever the channel count.
     const unsigned char* source = readableBytes(image, w * h * 4, &scratch);
+    if (source == nullptr) return false;
     if (!mirror) {
         for (int64_t i = 0; i < w * h; ++i) putPixel(out + i * 4, source + i * 4, swapRB);
-        return;
+        return true;
     }
     int64_t outRow = w * image->channels;  // bytes, not ints, on purpose
     for (int64_t y = 0; y < h; ++y) {
@@ -95,11 +98,12 @@ void writeColorInts(const _Image* image, unsigned char* out, bool mirror, bool s
         unsigned char* to = out + y * outRow;
         for (int64_t x = 0; x < w; ++x) putPixel(to + (w - 1 - x) * 4, from + x * 4, swapRB);
     }
+    return true;
 }
 
 size_t copyImagePrefix(const _Image* image, size_t bytes, void* pixels, size_t capacity) {
     if (image == nullptr || pixels == nullptr) return 0;
-    size_t count = std::min({bytes, static_cast<size_t>(imageExtent(image)), capacity});
+    size_t count = std::min({bytes, heldBytes(imageExtent(image), 1), capacity});
     if (count > 0) std::memcpy(pixels, image->data, count);
     return count;
 }

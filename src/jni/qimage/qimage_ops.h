@@ -22,8 +22,9 @@ int64_t colorIntBytes(const _Image* image, bool mirror);
 
 // CopyPixels / CopyPixelsRGB: 4-byte pixels into `out` (colorIntBytes long);
 // swapRB stores bytes (2, 1, 0, 3): RGBA becomes a little-endian 0xAARRGGBB.
-// Mirrored rows are written right to left.
-void writeColorInts(const _Image* image, unsigned char* out, bool mirror, bool swapRB);
+// Mirrored rows are written right to left. False, with nothing written, when
+// the image is too short and its zero-padded copy too large for this ABI.
+bool writeColorInts(const _Image* image, unsigned char* out, bool mirror, bool swapRB);
 
 // Copies the first min(bytes, what the image holds, capacity) bytes of the
 // image into `pixels`; returns the count.

@@ -27,6 +27,8 @@ class JavaHandleTest {
             "short pixels: RuntimeException",
             "short history: RuntimeException",
             "reset short history: RuntimeException",
+            "wrapping pixels: RuntimeException",
+            "wrapping history: RuntimeException",
             "large enough: ok",
             "clear twice: RuntimeException",
             "apply cleared: RuntimeException",
@@ -70,6 +72,9 @@ class JavaHandleTest {
                 run("short pixels", () -> histogram(small, history, 8, 2, 0));
                 run("short history", () -> histogram(pixels, small, 8, 2, 1));
                 run("reset short history", () -> histogram(pixels, small, 8, 2, -1));
+                // 65536^2 x 4 pixel bytes and 2^22 x 1024 history bytes are 2^34 and 2^32: 0 in a 32-bit size_t.
+                run("wrapping pixels", () -> histogram(small, history, 65536, 2, 0));
+                run("wrapping history", () -> histogram(pixels, small, 8, 1 << 22, -1));
                 run("large enough", () -> {
                     histogram(pixels, history, 8, 2, -1);
                     histogram(pixels, history, 8, 2, 1);

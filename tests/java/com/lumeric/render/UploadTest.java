@@ -47,6 +47,11 @@ class UploadTest {
             GLSLRender.nativePreviewYuvData(rgba, TEXTURE, 3, 2);
             assertArrayEquals(rgba, GL.readTexture(TEXTURE, 3, 2));
             assertThrows(RuntimeException.class, () -> GLSLRender.nativePreviewYuvData(new byte[23], TEXTURE, 3, 2));
+            // Byte counts of exactly 2^32, 0 in a 32-bit size_t: 65536 x (43691 x 1.5) alpha
+            // bytes and 65536 x 16384 RGBA texels. The texture keeps its texels.
+            byte[] tiny = new byte[16];
+            assertThrows(RuntimeException.class, () -> GLSLRender.nativePreviewData(tiny, TEXTURE, 65536, 43691));
+            assertThrows(RuntimeException.class, () -> GLSLRender.nativePreviewYuvData(tiny, TEXTURE, 65536, 16384));
             assertArrayEquals(rgba, GL.readTexture(TEXTURE, 3, 2));
             GLSLRender.nativeDeinitMagicEngine(4);
         }
