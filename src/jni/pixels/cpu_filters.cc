@@ -39,7 +39,12 @@ void filter_pixels(const _Image* source, _Image* destination, Fast fast, Referen
     const int64_t room = std::min(buffer_bytes(source), buffer_bytes(destination));
     const int64_t count = std::min(pixel_count(source), room < 3 ? 0 : (room - 3) / channels + 1);
     const int64_t whole = std::min(count, room / channels);
-    fast(source->data, destination->data, static_cast<int>(whole));
+    // Rows count pixels in an int: an image past 2^31 pixels goes in slices.
+    constexpr int64_t kSlice = int64_t{1} << 30;
+    for (int64_t done = 0; done < whole; done += kSlice) {
+        fast(source->data + done * channels, destination->data + done * channels,
+             static_cast<int>(std::min(kSlice, whole - done)));
+    }
     reference(source->data + whole * channels, destination->data + whole * channels, static_cast<int>(count - whole));
 }
 
