@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "gl/tight_rgba_rows.h"
 #include "render/gl_utils.h"
 
 const char kDefaultVertexShader[] =

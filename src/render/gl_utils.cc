@@ -91,15 +91,6 @@ GLuint buildGLProgram(const char* vertexSource, const char* fragmentSource) {
     return 0;
 }
 
-TightRgbaRows::TightRgbaRows(GLenum alignmentName) : name_(alignmentName) {
-    glGetIntegerv(name_, &saved_);
-    if (saved_ > 4) glPixelStorei(name_, 4);
-}
-
-TightRgbaRows::~TightRgbaRows() {
-    if (saved_ > 4) glPixelStorei(name_, saved_);
-}
-
 const char* eglErrorName(int code) {
     int index = code - kEglSuccess;
     int count = static_cast<int>(sizeof(kEglErrorNames) / sizeof(kEglErrorNames[0]));

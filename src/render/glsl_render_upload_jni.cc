@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "gl/tight_rgba_rows.h"
 #include "image/image_internal.h"
 #include "jni/bridge/bridge.h"
 #include "jni/bridge/native_guard.h"
@@ -49,6 +50,9 @@ bool imageTile(JNIEnv* env, const _Image* image, int col, int row, int cols, int
     jniThrowRuntimeException(env, "tile outside the image");
     return false;
 }
+
+// A record whose rows are shorter than width x channels cannot hold its tiles.
+void throwShortRows(JNIEnv* env) { jniThrowRuntimeException(env, "image rows shorter than its width"); }
 
 BrightnessCurve& brightnessCurve() {
     static BrightnessCurve curve;
@@ -133,7 +137,7 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativePickJepgToTextur
         if (image->channels == 3 || image->channels == 4) {
             MallocBuffer rgba = mallocTile(tile);
             if (!rgba) return;
-            packTileRGBA(image, tile, rgba.get());
+            if (!packTileRGBA(image, tile, rgba.get())) return throwShortRows(env);
             glActiveTexture(GL_TEXTURE0);
             glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(texture));
             glTexParameterf(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
@@ -166,7 +170,9 @@ JNIEXPORT void JNICALL Java_com_lumeric_filter_GLSLRender_nativePushJepgFromText
         } else {
             magicReadPixels(rgba.get(), tile.width, tile.height, static_cast<unsigned>(slot));
         }
-        unpackTileRGBA(rgba.get(), tile, image);
+        if ((image->channels == 3 || image->channels == 4) && !unpackTileRGBA(rgba.get(), tile, image)) {
+            throwShortRows(env);
+        }
     });
 }
 

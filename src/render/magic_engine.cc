@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "gl/tight_rgba_rows.h"
 #include "jni/bridge/log.h"
 #include "render/gl_utils.h"
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "gl/tight_rgba_rows.h"
 #include "image/image_internal.h"
 #include "jni/pixels/qimage_pixels.h"
 #include "render/gl_utils.h"

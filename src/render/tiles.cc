@@ -2,9 +2,21 @@
 
 #include <cstring>
 
+#include "image/image_internal.h"
+
 namespace {
 
 int lastTileSize(int size, int count) { return size - (count - 1) * (size / count); }
+
+// Tile rows lie width x channels bytes apart: a record whose stride or size
+// promises fewer bytes than that walk spans is left alone.
+bool tileInsideImage(const _Image* image, const TileRect& tile, int channels) {
+    if (tile.x < 0 || tile.y < 0 || tile.width <= 0 || tile.height <= 0) return false;
+    const int64_t rowBytes = int64_t{image->width} * channels;
+    const int64_t first = int64_t{tile.y} * rowBytes + int64_t{tile.x} * channels;
+    const int64_t span = int64_t{tile.height - 1} * rowBytes + int64_t{tile.width} * channels;
+    return image->data != nullptr && ifc::spanInside(first, span, ifc::imageExtent(image));
+}
 
 }  // namespace
 
@@ -36,7 +48,7 @@ bool tileRect(int width, int height, int col, int row, int cols, int rows, TileR
 
 bool packTileRGBA(const _Image* image, const TileRect& tile, uint8_t* rgba) {
     int channels = image->channels;
-    if (channels != 3 && channels != 4) return false;
+    if ((channels != 3 && channels != 4) || !tileInsideImage(image, tile, channels)) return false;
     size_t rowBytes = static_cast<size_t>(image->width) * channels;
     for (int y = 0; y < tile.height; ++y) {
         const uint8_t* src = image->data + (tile.y + y) * rowBytes + static_cast<size_t>(tile.x) * channels;
@@ -55,9 +67,9 @@ bool packTileRGBA(const _Image* image, const TileRect& tile, uint8_t* rgba) {
     return true;
 }
 
-void unpackTileRGBA(const uint8_t* rgba, const TileRect& tile, _Image* image) {
+bool unpackTileRGBA(const uint8_t* rgba, const TileRect& tile, _Image* image) {
     int channels = image->channels;
-    if (channels != 3 && channels != 4) return;
+    if ((channels != 3 && channels != 4) || !tileInsideImage(image, tile, channels)) return false;
     size_t rowBytes = static_cast<size_t>(image->width) * channels;
     for (int y = 0; y < tile.height; ++y) {
         uint8_t* dst = image->data + (tile.y + y) * rowBytes + static_cast<size_t>(tile.x) * channels;
@@ -72,4 +84,5 @@ void unpackTileRGBA(const uint8_t* rgba, const TileRect& tile, _Image* image) {
             dst[x * 3 + 2] = src[x * 4 + 2];
         }
     }
+    return true;
 }

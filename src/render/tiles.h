@@ -23,10 +23,11 @@ int tileCountForHeight(int size, int limit);
 // False for counts below 1 or a tile outside the grid.
 bool tileRect(int width, int height, int col, int row, int cols, int rows, TileRect* out);
 
-// The tile as tight RGBA rows (3-channel pixels get alpha 255). 3 or 4
-// channels only; false otherwise.
+// The tile as tight RGBA rows (3-channel pixels get alpha 255). False, with
+// nothing read, unless the image has 3 or 4 channels and holds the tile.
 bool packTileRGBA(const _Image* image, const TileRect& tile, uint8_t* rgba);
 // Writes tight RGBA rows back into the tile (alpha dropped for 3 channels).
-void unpackTileRGBA(const uint8_t* rgba, const TileRect& tile, _Image* image);
+// False, with nothing written, in the same cases.
+bool unpackTileRGBA(const uint8_t* rgba, const TileRect& tile, _Image* image);
 
 #endif  // IFC_RENDER_TILES_H

@@ -25,6 +25,33 @@ TEST(Tiles, CountsFitTheLimitAndLastTileTakesRemainder) {
     EXPECT_FALSE(tileRect(1001, 10, 0, 0, 0, 1, &tile));
 }
 
+// Tiles walk rows width x channels apart: an RGB tile goes up with alpha 255
+// and comes back without it, and a record whose stride promises fewer bytes
+// than that walk spans is neither read nor written.
+TEST(Tiles, PackAndUnpackStayInsideTheRecord) {
+    std::vector<uint8_t> pixels(3 * 4 * 3);
+    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<uint8_t>(i);
+    _Image* image = create_image_header(4, 3, 3, 12);
+    image->data = pixels.data();
+    const TileRect tile{1, 1, 3, 2};
+    std::vector<uint8_t> rgba(3 * 2 * 4);
+    ASSERT_TRUE(packTileRGBA(image, tile, rgba.data()));
+    EXPECT_EQ((std::vector<uint8_t>{15, 16, 17, 255, 18, 19, 20, 255}), std::vector<uint8_t>(rgba.begin(), rgba.begin() + 8));
+    EXPECT_EQ((std::vector<uint8_t>{33, 34, 35, 255}), std::vector<uint8_t>(rgba.end() - 4, rgba.end()));
+    for (uint8_t& b : rgba) b = static_cast<uint8_t>(b + 100);
+    ASSERT_TRUE(unpackTileRGBA(rgba.data(), tile, image));
+    EXPECT_EQ(115, pixels[15]);
+    EXPECT_EQ(14, pixels[14]);  // left of the tile
+
+    const std::vector<uint8_t> before = pixels;
+    image->stride = 11;  // rows 12 bytes apart would end past 33 bytes
+    EXPECT_FALSE(packTileRGBA(image, tile, rgba.data()));
+    EXPECT_FALSE(unpackTileRGBA(rgba.data(), tile, image));
+    EXPECT_EQ(before, pixels);
+    image->data = nullptr;
+    free_image_header(&image);
+}
+
 // Java's height of a preview frame, times 1.5 truncated toward zero, in
 // integers: near the int limits the product saturates instead of an
 // undefined cast.

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "engine/gl/matrix3.h"
+#include "gl/tight_rgba_rows.h"
 #include "engine/saturating_cast.h"
 #include "image/image_internal.h"
 #include "jni/bridge/log.h"
@@ -238,13 +239,8 @@ void HFGLFilter::readOutput(_Image* image) {
 void HFGLFilter::readPixelsInto(_Image* image) {
     if (image == nullptr || image->data == nullptr || image->channels != 4) return;
     if (image->width <= 0 || image->height <= 0 || image->stride / 4 < image->width) return;
-    // RGBA rows are whole words: alignments up to 4 write them tightly, 8
-    // would pad odd widths past the image's rows. The caller's value returns.
-    GLint alignment = 4;
-    glGetIntegerv(GL_PACK_ALIGNMENT, &alignment);
-    if (alignment > 4) glPixelStorei(GL_PACK_ALIGNMENT, 4);
+    TightRgbaRows tight(GL_PACK_ALIGNMENT);
     glReadPixels(0, 0, image->width, image->height, GL_RGBA, GL_UNSIGNED_BYTE, image->data);
-    if (alignment > 4) glPixelStorei(GL_PACK_ALIGNMENT, alignment);
 }
 
 void HFGLFilter::clearMemoryData() {
