@@ -2,9 +2,9 @@
 # libc and libstdc++ for the target; everything else (Mesa's EGL/GLES,
 # tinyxml2, liblog, GoogleTest, OpenSSL, stb, the JVM) comes from the sysroot
 # that scripts/sysroot unpacks from Debian packages, passed as IFC_SYSROOT.
-# Without IFC_SYSROOT only the cross compiler's own root is searched (enough
-# for the kernels-only build). Tests run through scripts/run-abi, which
-# starts them on the sysroot's loader (natively or under qemu-user).
+# Without IFC_SYSROOT only the cross compiler's own root is searched. Tests
+# run through scripts/run-abi, which starts them on the sysroot's loader
+# (natively or under qemu-user).
 # Expects IFC_CROSS_TRIPLE (compiler prefix), IFC_CROSS_MULTIARCH (Debian's
 # library folder name), IFC_CROSS_ABI (i386, arm64, armhf) and, for runs
 # without a sysroot, IFC_CROSS_QEMU.

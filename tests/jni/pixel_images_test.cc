@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "guarded_buffer.h"
+#include "image/image_test_util.h"
 #include "image_filter/filters.h"
 #include "jni/pixels/blur8.h"
 #include "jni/pixels/camera_frames.h"
@@ -18,11 +19,6 @@
 #include "jni/pixels/qimage_pixels.h"
 
 namespace {
-
-struct ImageDeleter {
-    void operator()(_Image* image) const { free_image(&image); }
-};
-using ImagePtr = std::unique_ptr<_Image, ImageDeleter>;
 
 ImagePtr random_image(int width, int height, int channels, uint32_t seed) {
     ImagePtr image(create_image(width, height, channels, -1));

@@ -7,11 +7,16 @@
 
 #include <cmath>
 
+#include "engine/gl/gl_test_support.h"
 #include "render/base_filte_render.h"
-#include "render_gl_helpers.h"
 #include "support/gl_fixture.h"
 
 namespace {
+
+using gltest::ScopedTexture;
+using gltest::glInteger;
+using gltest::pixelAt;
+using gltest::quadrantTexels;
 
 const char kCopyFragment[] =
     "precision mediump float; varying vec2 textureCoordinate; uniform sampler2D inputImageTexture;\n"
@@ -77,11 +82,11 @@ TEST_F(BaseFilteRenderTest, RawTextureOnUnitTwoOnlyWithLocationAboveZero) {
     ASSERT_EQ(1, both.InitializeGLProgram());
     ASSERT_GE(both.rawTextureLoc, 1);
     both.RenderProcess(input.name(), raw.name(), kSurfaceSize, kSurfaceSize);
-    EXPECT_EQ(rgba(9, 99, 199, 255), pixelAt(readPixels(5, 5, 1, 1), 1, 0, 0));
+    EXPECT_EQ((std::vector<uint8_t>{9, 99, 199, 255}), pixelAt(readPixels(5, 5, 1, 1), 1, 0, 0));
     glActiveTexture(GL_TEXTURE2);
-    EXPECT_EQ(static_cast<GLint>(raw.name()), currentInt(GL_TEXTURE_BINDING_2D));
+    EXPECT_EQ(static_cast<GLint>(raw.name()), glInteger(GL_TEXTURE_BINDING_2D));
     glActiveTexture(GL_TEXTURE1);
-    EXPECT_EQ(0, currentInt(GL_TEXTURE_BINDING_2D));
+    EXPECT_EQ(0, glInteger(GL_TEXTURE_BINDING_2D));
     glActiveTexture(GL_TEXTURE2);
     glBindTexture(GL_TEXTURE_2D, 0);
     glActiveTexture(GL_TEXTURE0);
@@ -100,7 +105,7 @@ TEST_F(BaseFilteRenderTest, RawTextureOnUnitTwoOnlyWithLocationAboveZero) {
     alone.RenderProcess(input.name(), raw.name(), kSurfaceSize, kSurfaceSize);
     EXPECT_EQ(texel(0), pixelAt(readPixels(0, 0, 1, 1), 1, 0, 0));
     glActiveTexture(GL_TEXTURE2);
-    EXPECT_EQ(0, currentInt(GL_TEXTURE_BINDING_2D));
+    EXPECT_EQ(0, glInteger(GL_TEXTURE_BINDING_2D));
     glActiveTexture(GL_TEXTURE0);
 }
 
@@ -152,7 +157,7 @@ TEST_F(BaseFilteRenderTest, RenderDataProcessFiltersClientPixelsInPlace) {
     std::vector<uint8_t> expected = {245, 235, 225, 255, 215, 205, 195, 128, 185, 175, 165, 0,
                                      254, 253, 252, 4, 250, 249, 248, 8, 5, 4, 3, 253};
     EXPECT_EQ(expected, pixels);
-    EXPECT_EQ(0, currentInt(GL_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(0, glInteger(GL_FRAMEBUFFER_BINDING));
 }
 
 TEST_F(BaseFilteRenderTest, ProgramBuildFailures) {

@@ -2,13 +2,16 @@
 // checked from Java (tile round trips, curve against a reference, uploads).
 #include <climits>
 
+#include "engine/gl/gl_test_support.h"
 #include "render/brightness_curve.h"
 #include "render/pixel_uploads.h"
 #include "render/tiles.h"
-#include "render_gl_helpers.h"
 #include "support/gl_fixture.h"
 
 namespace {
+
+using gltest::ScopedTexture;
+using gltest::pixelAt;
 
 TEST(Tiles, CountsFitTheLimitAndLastTileTakesRemainder) {
     EXPECT_EQ(2, tileCountForWidth(5000, 4096));
@@ -103,8 +106,8 @@ TEST_F(UploadTest, RgbImageUploadNeverReadsPastItsBytes) {
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.name(), 0);
     auto read = readPixels(0, 0, 3, 2);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    EXPECT_EQ(rgba(13, 14, 15, 255), pixelAt(read, 3, 0, 1));  // second row starts at byte 12
-    EXPECT_EQ(rgba(0, 0, 0, 255), pixelAt(read, 3, 2, 1));     // beyond the image: zero
+    EXPECT_EQ((std::vector<uint8_t>{13, 14, 15, 255}), pixelAt(read, 3, 0, 1));  // second row starts at byte 12
+    EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 255}), pixelAt(read, 3, 2, 1));     // beyond the image: zero
 
     // A turned 3 x 2 image keeps its size 24 but its rows hold 2 x 3 x 3 =
     // 18 bytes (the 0xEE tail is not the image's); GL reads 8 + 8 + 6: the
@@ -117,8 +120,8 @@ TEST_F(UploadTest, RgbImageUploadNeverReadsPastItsBytes) {
     read = readPixels(0, 0, 2, 3);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glDeleteFramebuffers(1, &framebuffer);
-    EXPECT_EQ(rgba(17, 18, 0, 255), pixelAt(read, 2, 0, 2));
-    EXPECT_EQ(rgba(0, 0, 0, 255), pixelAt(read, 2, 1, 2));
+    EXPECT_EQ((std::vector<uint8_t>{17, 18, 0, 255}), pixelAt(read, 2, 0, 2));
+    EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 255}), pixelAt(read, 2, 1, 2));
 }
 
 }  // namespace

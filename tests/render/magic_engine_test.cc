@@ -1,10 +1,12 @@
 #include "render/magic_engine.h"
 
+#include "engine/gl/gl_test_support.h"
 #include "render/gl_utils.h"
-#include "render_gl_helpers.h"
 #include "support/gl_fixture.h"
 
 namespace {
+
+using gltest::glInteger;
 
 // Engines are process-wide: every test starts and ends with all slots empty.
 class MagicEngineTest : public GLTest {
@@ -50,7 +52,7 @@ TEST_F(MagicEngineTest, PoolKeyedBySizeWithMoveToFrontAndLruEviction) {
     EXPECT_TRUE(c->texture == bTexture || !glIsTexture(bTexture));
     EXPECT_EQ(c, engine->entries.front().get());
     EXPECT_EQ(a, magicLookup(engine, 4, 4));
-    EXPECT_EQ(0, currentInt(GL_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(0, glInteger(GL_FRAMEBUFFER_BINDING));
 }
 
 // The entries' names are released with a lost program too, as long as each
@@ -84,7 +86,7 @@ TEST_F(MagicEngineTest, CheckRebuildsAnEngineWhoseProgramIsGoneAndReleasesItsEnt
     EXPECT_FALSE(glIsTexture(entry.texture) || glIsFramebuffer(entry.framebuffer) ||
                  glIsRenderbuffer(entry.renderbuffer));
     EXPECT_TRUE(glIsTexture(foreign.texture) && glIsFramebuffer(foreign.framebuffer) && glIsTexture(stranger));
-    EXPECT_EQ(0, currentInt(GL_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(0, glInteger(GL_FRAMEBUFFER_BINDING));
     EXPECT_EQ(GL_NO_ERROR, glGetError());
     GLuint leftovers[] = {foreign.texture, stranger};
     glDeleteTextures(2, leftovers);

@@ -1,5 +1,5 @@
 # ifc_add_pixel_kernels(target): the pixel kernels for the target's
-# processor. Shared by the product and the ARM kernels-only build.
+# processor.
 set(IFC_PIXELS_DIR ${CMAKE_CURRENT_LIST_DIR})
 
 function(ifc_add_pixel_kernels target)

@@ -1,9 +1,6 @@
 #include <tinyxml2.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <map>
 
 #include "engine/cpu/cpu_filter.h"
@@ -15,6 +12,7 @@
 #include "engine/resource_loader.h"
 #include "gl_test_support.h"
 #include "jni/capture_stderr.h"
+#include "scratch_bundle.h"
 #include "support/gl_fixture.h"
 
 namespace {
@@ -23,17 +21,6 @@ using gltest::glInteger;
 using gltest::kSwapFragment;
 using gltest::kUniformFragment;
 using gltest::kVertex;
-
-// A scratch bundle directory whose reads are counted.
-class CountingBundle : public HFDirectoryResourceProvider {
-public:
-    explicit CountingBundle(const std::string& root) : HFDirectoryResourceProvider(root) {}
-    _Image* loadData(const char* path) override {
-        ++reads[path];
-        return HFDirectoryResourceProvider::loadData(path);
-    }
-    std::map<std::string, int> reads;
-};
 
 std::string element(const char* tag, const std::string& text) {
     return std::string("<") + tag + ">" + text + "</" + tag + ">";
@@ -46,19 +33,7 @@ std::string param(const std::string& name, const char* type, const std::string& 
 // Names are unique per test: the description cache lives for the process.
 class FilterDescTest : public GLTest {
 protected:
-    void SetUp() override {
-        GLTest::SetUp();
-        previous = HFResourceLoader_setProvider(&bundle);
-    }
-    void TearDown() override {
-        HFResourceLoader_setProvider(previous);
-        std::filesystem::remove_all(root);
-    }
-
-    void write(const std::string& path, const std::string& text) {
-        std::filesystem::create_directories(std::filesystem::path(root + "/" + path).parent_path());
-        std::ofstream(root + "/" + path) << text;
-    }
+    void write(const std::string& path, const std::string& text) { bundle.write(path, text); }
     void describe(const std::string& name, const std::string& body) {
         write("filter/gl/" + name + ".xml", "<glfilter>" + body + "</glfilter>");
     }
@@ -72,9 +47,7 @@ protected:
         return node;
     }
 
-    std::string root = std::filesystem::temp_directory_path() / ("glfilters." + std::to_string(getpid()));
-    CountingBundle bundle{root};
-    HFResourceProvider* previous = nullptr;
+    ScratchBundle bundle{"glfilters"};
 };
 
 template <typename Param>
@@ -311,17 +284,17 @@ TEST_F(FilterDescTest, FailedPackagesAreReadAgainUntilTheyBuild) {
 // (a bound bitmap): the parameter frees only the header, the pixels stay the
 // bundle's and reach the filter's input as they are.
 TEST_F(FilterDescTest, BorrowedParameterImagesAreNotFreed) {
-    struct BorrowingBundle : CountingBundle {
-        using CountingBundle::CountingBundle;
+    struct BorrowingBundle : ScratchBundle {
+        BorrowingBundle() : ScratchBundle("borrowing") {}
         _Image* loadRGBA(const char*) override {
             _Image* header = create_image_header(1, 1, 4, 4);
             header->data = pixel;
             return header;
         }
         unsigned char pixel[4] = {1, 2, 3, 4};
-    } borrowing{root};
-    HFResourceLoader_setProvider(&borrowing);
-    describe("borrowswap", element("vertex", kVertex) + element("fragment", kSwapFragment));
+    } borrowing;
+    borrowing.write("filter/gl/borrowswap.xml",
+                    "<glfilter>" + element("vertex", kVertex) + element("fragment", kSwapFragment) + "</glfilter>");
     shared_ptr<IHFFilter> filter = leaf("<filter implement='borrowswap'>" + param("1", "image", "grain.png") + "</filter>",
                                         "borrow1")
                                        ->createFilter();
@@ -329,7 +302,6 @@ TEST_F(FilterDescTest, BorrowedParameterImagesAreNotFreed) {
     HFSize size = static_cast<HFGLTexture*>(filter->getInputTexture(1).get())->size();
     EXPECT_EQ(HFSize({1, 1}), size);
     EXPECT_EQ((std::vector<unsigned char>{1, 2, 3, 4}), std::vector<unsigned char>(borrowing.pixel, borrowing.pixel + 4));
-    HFResourceLoader_setProvider(&bundle);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Shader texts and small helpers shared by the GL engine tests.
+// Shader texts, textures and small helpers shared by the GL tests.
 #ifndef IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
 #define IFC_TESTS_ENGINE_GL_GL_TEST_SUPPORT_H
 
@@ -97,6 +97,46 @@ inline std::vector<GLint> boundOnUnits(int first, int last) {
         bound.push_back(glInteger(GL_TEXTURE_BINDING_2D));
     }
     return bound;
+}
+
+// Four texels, RGBA, first row is GL row 0 (the bottom): bottom-left red,
+// bottom-right green, top-left blue, top-right white.
+inline const std::vector<uint8_t>& quadrantTexels() {
+    static const std::vector<uint8_t> texels = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};
+    return texels;
+}
+
+// A texture that samples with `filter` and clamps, deleted with the object.
+// The unpack alignment is left as the caller set it.
+class ScopedTexture {
+public:
+    ScopedTexture(int width, int height, const void* rgba, GLenum filter = GL_NEAREST) {
+        glGenTextures(1, &name_);
+        glBindTexture(GL_TEXTURE_2D, name_);
+        // Complete (no mipmap filter) before the storage is defined: some
+        // drivers fix an EGLImage's source at that point.
+        for (GLenum parameter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER}) {
+            glTexParameteri(GL_TEXTURE_2D, parameter, static_cast<GLint>(filter));
+        }
+        for (GLenum parameter : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T}) {
+            glTexParameteri(GL_TEXTURE_2D, parameter, GL_CLAMP_TO_EDGE);
+        }
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
+    ~ScopedTexture() { glDeleteTextures(1, &name_); }
+    ScopedTexture(const ScopedTexture&) = delete;
+    ScopedTexture& operator=(const ScopedTexture&) = delete;
+    GLuint name() const { return name_; }
+
+private:
+    GLuint name_ = 0;
+};
+
+// RGBA of pixel (x, y) of a read-back of the given width.
+inline std::vector<uint8_t> pixelAt(const std::vector<uint8_t>& rgba, int width, int x, int y) {
+    const size_t offset = (static_cast<size_t>(y) * width + x) * 4;
+    return {rgba.begin() + offset, rgba.begin() + offset + 4};
 }
 
 // RGBA bytes of a texture's level 0, read through a framebuffer of our own.

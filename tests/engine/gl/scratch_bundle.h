@@ -1,5 +1,6 @@
 // A bundle directory of its own for one test: installed as the engine's
-// resource provider while it lives, removed with its files afterwards.
+// resource provider while it lives, removed with its files afterwards. It
+// counts the reads of each file.
 #ifndef IFC_TESTS_ENGINE_GL_SCRATCH_BUNDLE_H
 #define IFC_TESTS_ENGINE_GL_SCRATCH_BUNDLE_H
 
@@ -7,6 +8,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
 
 #include "engine/resource_loader.h"
@@ -26,6 +28,13 @@ public:
         std::filesystem::create_directories(std::filesystem::path(root + "/" + path).parent_path());
         std::ofstream(root + "/" + path) << text;
     }
+
+    _Image* loadData(const char* path) override {
+        ++reads[path != nullptr ? path : ""];
+        return HFDirectoryResourceProvider::loadData(path);
+    }
+
+    std::map<std::string, int> reads;
 
 private:
     static std::string directory(const std::string& tag) {

@@ -88,7 +88,6 @@ class BridgeHelpersTest {
     void copyRefusesBadArguments() {
         long image = BridgeProbe.newImage(1, 1, 4);
         try {
-            assertThrows(NullPointerException.class, () -> FilterEngineJNILib.nativeCopyImage(null, image));
             Bitmap bitmap = filled(1, 1, 0x11223344);
             assertSame(RuntimeException.class,
                     assertThrows(RuntimeException.class, () -> FilterEngineJNILib.nativeCopyImage(bitmap, 0)).getClass());

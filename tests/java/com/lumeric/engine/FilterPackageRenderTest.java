@@ -1,5 +1,7 @@
 package com.lumeric.engine;
 
+import static com.lumeric.engine.Packages.leaf;
+import static com.lumeric.engine.Packages.param;
 import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertDoesNotThrow;
 import static org.junit.jupiter.api.Assertions.assertEquals;
@@ -16,7 +18,6 @@ import com.lumeric.host.HostGL;
 import com.lumeric.util.FilterEngineJNILib;
 import java.awt.image.BufferedImage;
 import java.io.IOException;
-import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.function.IntUnaryOperator;
@@ -36,9 +37,6 @@ import org.junit.jupiter.api.io.TempDir;
  * live as long as the JVM.
  */
 class FilterPackageRenderTest {
-    private static final String VERTEX =
-            "attribute vec4 position; attribute vec2 inputTextureCoordinate; varying vec2 uv;"
-            + " void main(){ gl_Position = position; uv = inputTextureCoordinate; }";
     private static final String HEAD = "precision mediump float; varying vec2 uv;"
             + " uniform sampler2D inputImageTexture; uniform sampler2D inputImageTexture2;";
     private static final String INVERT = HEAD
@@ -48,17 +46,19 @@ class FilterPackageRenderTest {
     private static final int[] INPUT = {0x0a141e, 0x283c50, 0x64788c, 0xc8d2dc};
 
     @TempDir Path root;
+    private Packages files;
     private DirectoryBundle bundle;
     private HostGL gl;
     private static int nextTexture = 1000;
 
     @BeforeEach
     void setUp() throws IOException {
-        describe("invert", INVERT);
-        describe("noblue", body("gl_FragColor = vec4(c.rg, 0.0, 1.0);"));
-        describe("rotate", body("gl_FragColor = vec4(c.gbr, 1.0);"));
-        describe("copy", body("gl_FragColor = c;"));
-        describe("mixsecond", body("gl_FragColor = vec4(c.rg, texture2D(inputImageTexture2, uv).b, 1.0);"));
+        files = new Packages(root);
+        files.describe("invert", INVERT);
+        files.describe("noblue", body("gl_FragColor = vec4(c.rg, 0.0, 1.0);"));
+        files.describe("rotate", body("gl_FragColor = vec4(c.gbr, 1.0);"));
+        files.describe("copy", body("gl_FragColor = c;"));
+        files.describe("mixsecond", body("gl_FragColor = vec4(c.rg, texture2D(inputImageTexture2, uv).b, 1.0);"));
         bundle = new DirectoryBundle(root);
         FilterEngineJNILib.setBundle(bundle);
         gl = HostGL.create(64, 64);
@@ -90,26 +90,6 @@ class FilterPackageRenderTest {
 
     private static String body(String statement) {
         return HEAD + " void main(){ vec4 c = texture2D(inputImageTexture, uv); " + statement + " }";
-    }
-
-    private void write(String path, String text) throws IOException {
-        Files.createDirectories(root.resolve(path).getParent());
-        Files.writeString(root.resolve(path), text);
-    }
-
-    private void describe(String name, String fragment) throws IOException {
-        write("filter/gl/" + name + ".xml",
-                "<glfilter><vertex>" + VERTEX + "</vertex><fragment>" + fragment + "</fragment></glfilter>");
-    }
-
-    private void pack(String name, String xml) throws IOException { write("filter/" + name + "/filter.xml", xml); }
-
-    private static String leaf(String implement, String... params) {
-        return "<filter implement='" + implement + "'>" + String.join("", params) + "</filter>";
-    }
-
-    private static String param(String name, String type, String value) {
-        return "<param><name>" + name + "</name><" + type + ">" + value + "</" + type + "></param>";
     }
 
     private static String numbers(double... values) {
@@ -146,14 +126,14 @@ class FilterPackageRenderTest {
 
     @Test
     void leafAndModelsFollowTheirWiring() throws IOException {
-        pack("single", leaf("invert"));
-        pack("chain", "<model>" + leaf("noblue") + leaf("rotate") + leaf("invert") + "</model>");
+        files.pack("single", leaf("invert"));
+        files.pack("chain", "<model>" + leaf("noblue") + leaf("rotate") + leaf("invert") + "</model>");
         // Child 0 feeds child 2 directly; child 1 still renders but feeds nobody.
-        pack("skip", "<model>" + leaf("noblue") + leaf("rotate") + leaf("invert")
+        files.pack("skip", "<model>" + leaf("noblue") + leaf("rotate") + leaf("invert")
                 + "<relation output='0' input='2' index='0'/></model>");
         // Written before the filters, applied after them: the package input also
         // reaches child 1 at its input 1 (numbers read like atoi).
-        pack("tap", "<model><relation output=' -1' input='1' index='1x'/>"
+        files.pack("tap", "<model><relation output=' -1' input='1' index='1x'/>"
                 + leaf("invert") + leaf("mixsecond") + "</model>");
 
         assertArrayEquals(expected(INVERT_REF), renderInput("single"));
@@ -164,11 +144,11 @@ class FilterPackageRenderTest {
 
     @Test
     void includedPackageIsReadOnceAndEachWrapperOwnsItsFilters() throws IOException {
-        describe("inc_invert", INVERT);
-        describe("inc_noblue", body("gl_FragColor = vec4(c.rg, 0.0, 1.0);"));
-        pack("inc_shared", leaf("inc_invert"));
-        pack("inc_first", "<model><filter include='inc_shared'/>" + leaf("inc_noblue") + "</model>");
-        pack("inc_second", "<model>" + leaf("inc_noblue") + "<filter include='inc_shared'/></model>");
+        files.describe("inc_invert", INVERT);
+        files.describe("inc_noblue", body("gl_FragColor = vec4(c.rg, 0.0, 1.0);"));
+        files.pack("inc_shared", leaf("inc_invert"));
+        files.pack("inc_first", "<model><filter include='inc_shared'/>" + leaf("inc_noblue") + "</model>");
+        files.pack("inc_second", "<model>" + leaf("inc_noblue") + "<filter include='inc_shared'/></model>");
 
         assertArrayEquals(expected(INVERT_REF.andThen(NOBLUE_REF)), renderInput("inc_first"));
         // inc_first, inc_shared and the two GL descriptions.
@@ -177,7 +157,7 @@ class FilterPackageRenderTest {
         assertEquals(5, bundle.readCount());
         // An including element is parsed into the shared node: it renames the
         // leaf for every user.
-        pack("inc_rename", "<model><filter include='inc_shared' implement='inc_noblue'/></model>");
+        files.pack("inc_rename", "<model><filter include='inc_shared' implement='inc_noblue'/></model>");
         assertArrayEquals(expected(NOBLUE_REF), renderInput("inc_rename"));
         assertArrayEquals(expected(NOBLUE_REF), renderInput("inc_first"));
         try (FilterWraper first = new FilterWraper("inc_first");
@@ -191,30 +171,30 @@ class FilterPackageRenderTest {
 
     @Test
     void declaredParametersReachTheShader() throws IOException {
-        describe("scale", HEAD + " uniform float amount; void main(){"
+        files.describe("scale", HEAD + " uniform float amount; void main(){"
                 + " gl_FragColor = vec4(texture2D(inputImageTexture, uv).rgb * amount, 1.0); }");
-        describe("tint", HEAD + " uniform vec4 tint; void main(){ gl_FragColor = tint; }");
-        describe("matrix", HEAD + " uniform mat4 colorMatrix; void main(){"
+        files.describe("tint", HEAD + " uniform vec4 tint; void main(){ gl_FragColor = tint; }");
+        files.describe("matrix", HEAD + " uniform mat4 colorMatrix; void main(){"
                 + " gl_FragColor = colorMatrix * vec4(texture2D(inputImageTexture, uv).rgb, 1.0); }");
-        describe("curve", HEAD + " uniform float toneCurve[256]; void main(){"
+        files.describe("curve", HEAD + " uniform float toneCurve[256]; void main(){"
                 + " gl_FragColor = vec4(toneCurve[1], toneCurve[2], toneCurve[255], 1.0); }");
-        describe("grain", HEAD + " void main(){ gl_FragColor = vec4(texture2D(inputImageTexture, uv).r,"
+        files.describe("grain", HEAD + " void main(){ gl_FragColor = vec4(texture2D(inputImageTexture, uv).r,"
                 + " texture2D(inputImageTexture2, uv).gb, 1.0); }");
 
-        pack("p_float", leaf("scale", param("amount", "float", "0.5")));
-        pack("p_vec4", leaf("tint", param("tint", "vector4f", numbers(0.2, 0.4, 0.6, 1.0))));
+        files.pack("p_float", leaf("scale", param("amount", "float", "0.5")));
+        files.pack("p_vec4", leaf("tint", param("tint", "vector4f", numbers(0.2, 0.4, 0.6, 1.0))));
         // Column-major: swap red and blue, then add 0.2 to red (the 4th column).
-        pack("p_matrix", leaf("matrix", param("colorMatrix", "matrix4f",
+        files.pack("p_matrix", leaf("matrix", param("colorMatrix", "matrix4f",
                 numbers(0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0.2, 0, 0, 1))));
         String[] curve = new String[256];
         Arrays.fill(curve, "0");
         curve[1] = "256"; curve[2] = "200"; curve[255] = "100";
-        pack("p_curve", leaf("curve", param("toneCurve", "curve", String.join(",", curve))));
+        files.pack("p_curve", leaf("curve", param("toneCurve", "curve", String.join(",", curve))));
         // An image param's name is the input slot; its file lies in the package.
         int[] grain = {0x010203, 0x040506, 0x070809, 0xfafbfc};
         BufferedImage png = new BufferedImage(2, 2, BufferedImage.TYPE_INT_ARGB);
         png.setRGB(0, 0, 2, 2, Arrays.stream(grain).map(p -> 0xff000000 | p).toArray(), 0, 2);
-        pack("p_image", leaf("grain", param("1", "image", "grain.png")));
+        files.pack("p_image", leaf("grain", param("1", "image", "grain.png")));
         ImageIO.write(png, "png", root.resolve("filter/p_image/grain.png").toFile());
 
         assertArrayEquals(expected(p -> rgb(r(p) / 2, g(p) / 2, b(p) / 2)), renderInput("p_float"));
@@ -228,18 +208,19 @@ class FilterPackageRenderTest {
 
     @Test
     void brokenPackagesGiveNoOutputAndThrowNothing() throws IOException {
-        write("filter/gl/novertex.xml", "<glfilter><fragment>" + INVERT + "</fragment></glfilter>");
-        pack("br_badxml", "<model>" + leaf("invert").replace("</filter>", "") + "</model>");
-        pack("br_root", "<shader>" + leaf("invert") + "</shader>");
-        pack("br_nodesc", leaf("no_such_description"));
-        pack("br_novertex", leaf("novertex"));
-        pack("br_relation", "<model>" + leaf("invert") + leaf("invert") + "<relation output='0' input='1'/></model>");
-        pack("br_cycle_a", "<model><filter include='br_cycle_b'/></model>");
-        pack("br_cycle_b", "<model>" + leaf("invert") + "<filter include='br_cycle_a'/></model>");
-        pack("br_self", "<model>" + leaf("invert") + "<filter include='br_self'/></model>");
-        pack("br_child", "<model>" + leaf("invert") + "<filter include='br_missing'/></model>");
-        pack("br_unbuildable", "<model>" + leaf("invert") + leaf("no_such_description") + "</model>");
-        pack("br_empty", "");
+        files.write("filter/gl/novertex.xml", "<glfilter><fragment>" + INVERT + "</fragment></glfilter>");
+        files.pack("br_badxml", "<model>" + leaf("invert").replace("</filter>", "") + "</model>");
+        files.pack("br_root", "<shader>" + leaf("invert") + "</shader>");
+        files.pack("br_nodesc", leaf("no_such_description"));
+        files.pack("br_novertex", leaf("novertex"));
+        files.pack("br_relation", "<model>" + leaf("invert") + leaf("invert") + "<relation output='0' input='1'/></model>");
+        files.pack("br_cycle_a", "<model><filter include='br_cycle_b'/></model>");
+        files.pack("br_cycle_b", "<model>" + leaf("invert") + "<filter include='br_cycle_a'/></model>");
+        files.pack("br_self", "<model>" + leaf("invert") + "<filter include='br_self'/></model>");
+        files.pack("br_child", "<model>" + leaf("invert") + "<filter include='br_missing'/></model>");
+        files.pack("br_unbuildable", "<model>" + leaf("invert") + leaf("no_such_description")
+                + "</model>");
+        files.pack("br_empty", "");
 
         int input = texture(2, 2, INPUT);
         String[] names = {"br_missing", "br_badxml", "br_root", "br_nodesc", "br_novertex", "br_relation",
@@ -264,7 +245,7 @@ class FilterPackageRenderTest {
     /** Sizes no GL can allocate, zero handles and a null name: the JVM lives on, no C++ exception escapes. */
     @Test
     void nativesTakeNullAndAbsurdArguments() throws IOException {
-        pack("absurd", leaf("invert"));
+        files.pack("absurd", leaf("invert"));
         int input = texture(2, 2, INPUT);
         int[][] sizes = {{Integer.MAX_VALUE, Integer.MAX_VALUE}, {Integer.MIN_VALUE, 2}, {1 << 20, 1 << 20},
                 {-1, -1}, {0, 0}, {2, 0}};
@@ -288,7 +269,7 @@ class FilterPackageRenderTest {
 
     @Test
     void callerTextureKeepsItsPixelsAndSamplesLinearlyClampedToTheEdge() throws IOException {
-        pack("sampling", leaf("copy"));
+        files.pack("sampling", leaf("copy"));
         // A fresh name: its default minification filter needs mipmaps, so it
         // would sample black unless the engine set the filtering.
         int[] columns = {0x000000, 0xc8c8c8, 0x000000, 0xc8c8c8};

@@ -34,8 +34,6 @@ class CpuFilterNativesTest {
             assertArrayEquals(pixels, PixelReference.pixels(source));  // the source is not blurred
             assertThrows(RuntimeException.class, () -> source.InplaceBlur8bitQImage(0, 2));
         }
-        RuntimeException empty = assertThrows(RuntimeException.class, () -> new QImage().InplaceBlur8bitQImage(1, 2));
-        assertEquals("image is empty", empty.getMessage());
     }
 
     @Test
@@ -59,8 +57,6 @@ class CpuFilterNativesTest {
             image.CreateImage(4, 1, 3);
             assertEquals(9, Arrays.stream(image.nativeGetArrayHistogram()).sum());
         }
-        RuntimeException e = assertThrows(RuntimeException.class, new QImage()::nativeGetArrayHistogram);
-        assertEquals("image is empty", e.getMessage());
     }
 
     @Test
@@ -96,9 +92,7 @@ class CpuFilterNativesTest {
             overlay.failNextLocks(1);
             assertFalse(image.alphaMix(overlay, 0, 0));
             assertEquals(0, overlay.getLockCount());
-            assertFalse(image.alphaMix(null, 0, 0));  // no bitmap info: logged, no exception
             assertArrayEquals(expected, PixelReference.pixels(image));
         }
-        assertFalse(new QImage().alphaMix(overlay, 0, 0));
     }
 }

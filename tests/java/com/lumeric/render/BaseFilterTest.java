@@ -141,7 +141,6 @@ class BaseFilterTest {
             Consumer<float[]> call = calls.get(i);
             float[] tooShort = new float[lengths[i] - 1];
             assertThrows(RuntimeException.class, () -> call.accept(tooShort), "call " + i);
-            assertThrows(NullPointerException.class, () -> call.accept(null), "call " + i);
         }
         assertThrows(NullPointerException.class, () -> filter.nativeInitialWithString(handle, false, null, null));
         // Refused calls changed nothing: the old renderer still draws the chart as it is.
