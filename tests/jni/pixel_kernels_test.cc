@@ -10,8 +10,10 @@
 
 #include "guarded_buffer.h"
 #include "image_filter/filters.h"
+#include "jni/pixels/camera_frames.h"
 #include "jni/pixels/pixel_kernels.h"
 #include "jni/pixels/qimage_pixels.h"
+#include "jni/pixels/streaming_stores.h"
 
 using ifc::PixelKernels;
 
@@ -158,6 +160,39 @@ TEST_F(PixelKernelsTest, SimdRowsMatchReference) {
             EXPECT_TRUE(want == got) << "channel histogram " << width << "x" << height;
         }
     }
+}
+
+// A conversion whose output is past the caches switches to streaming
+// stores after a lead of ordinary ones that depends on where the output
+// starts: every start within a cache line, odd multiples of 4 included.
+TEST_F(PixelKernelsTest, RowsPastTheCachesMatchReference) {
+    const int side = 2050;  // a whole NV21 frame of side x side too, below
+    const int width = side * side + 67;
+    ASSERT_TRUE(ifc::past_caches(int64_t{side} * side * 4));
+    std::vector<uint8_t> packed(2 * size_t(width) + 2), rgb565(2 * size_t(width));
+    std::mt19937 random(11);
+    for (uint8_t& b : packed) b = static_cast<uint8_t>(random());
+    for (uint8_t& b : rgb565) b = static_cast<uint8_t>(random());
+    const size_t bytes = 4 * size_t(width);
+    std::vector<uint8_t> want422(bytes), want565(bytes), got(bytes + 128);
+    ifc::yuv422_to_rgba_row_c(packed.data(), want422.data(), width);
+    ifc::rgb565_to_rgba_row_c(rgb565.data(), want565.data(), width);
+    uint8_t* line = got.data() + (64 - reinterpret_cast<uintptr_t>(got.data()) % 64);
+    for (int offset : {0, 4, 8, 12, 32, 60, 2}) {
+        for (const PixelKernels& k : ifc::kernel_variants()) {
+            k.yuv422_to_rgba_row(packed.data(), line + offset, width);
+            EXPECT_EQ(0, std::memcmp(want422.data(), line + offset, bytes)) << k.name << " 4:2:2 at +" << offset;
+            k.rgb565_to_rgba_row(rgb565.data(), line + offset, width);
+            EXPECT_EQ(0, std::memcmp(want565.data(), line + offset, bytes)) << k.name << " RGB565 at +" << offset;
+        }
+    }
+    // A whole NV21 frame of that size goes one row at a time (no pairs).
+    const uint8_t* chroma = packed.data() + side * side;
+    for (int r = 0; r < side; ++r) {
+        ifc::nv21_to_rgba_row_c(packed.data() + r * side, chroma + r / 2 * side, want422.data() + 4 * r * side, side);
+    }
+    ifc::nv21_to_rgba(packed.data(), side, side, line + 4);
+    EXPECT_EQ(0, std::memcmp(want422.data(), line + 4, 4 * side * side)) << "NV21 frame";
 }
 
 // The overlay blend, whose SIMD rows take only the pixels wholly inside the

@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "jni/pixels/pixel_kernels.h"
+#include "jni/pixels/streaming_stores.h"
 
 namespace ifc {
 
@@ -75,9 +76,8 @@ void nv21_to_rgba(const uint8_t* frame, int width, int height, uint8_t* out) {
     // Row pairs save chroma work while the frame stays in cache; past that
     // the conversion is bound by memory and two output streams cost more
     // than they save (measured: +10% at 1080p, -25% at 4000x3000).
-    constexpr int64_t kPairedOutputLimit = int64_t{16} << 20;
     const PixelKernels& kernels = yuv_kernels();
-    const bool paired = int64_t{width} * height * 4 <= kPairedOutputLimit;
+    const bool paired = !past_caches(int64_t{width} * height * 4);
     walk_nv21(frame, width, height, out, kernels.nv21_to_rgba_row, paired ? kernels.nv21_to_rgba_row_pair : nullptr);
 }
 

@@ -1,4 +1,5 @@
-// x86-64: SSE2 is always there; AVX2 rows are taken when the CPU has it.
+// x86: SSE2 is always there; AVX2 and AVX-512BW rows are taken when the CPU
+// has them.
 #include "jni/pixels/blur8.h"
 #include "jni/pixels/pixel_kernels.h"
 
@@ -37,11 +38,22 @@ PixelKernels avx2_kernels() {
     return k;
 }
 
+// AVX-512BW where a row gains from the wider registers; the rest stay AVX2.
+PixelKernels avx512_kernels() {
+    PixelKernels k = avx2_kernels();
+    k.name = "avx512";
+    k.yuv422_to_rgba_row = yuv422_to_rgba_row_avx512;
+    return k;
+}
+
 }  // namespace
 
 std::vector<PixelKernels> kernel_variants() {
     std::vector<PixelKernels> variants{kSse2};
     if (__builtin_cpu_supports("avx2")) variants.push_back(avx2_kernels());
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
+        variants.push_back(avx512_kernels());
+    }
     return variants;
 }
 

@@ -69,6 +69,7 @@ void nv21_to_yuva_row_neon(const uint8_t* y, const uint8_t* vu, uint8_t* yuva, i
 void yuv422_to_rgba_row_c(const uint8_t* vyuy, uint8_t* rgba, int width);
 void yuv422_to_rgba_row_sse2(const uint8_t* vyuy, uint8_t* rgba, int width);
 void yuv422_to_rgba_row_avx2(const uint8_t* vyuy, uint8_t* rgba, int width);
+void yuv422_to_rgba_row_avx512(const uint8_t* vyuy, uint8_t* rgba, int width);
 void yuv422_to_rgba_row_neon(const uint8_t* vyuy, uint8_t* rgba, int width);
 
 // Little-endian RGB565 to bytes (r5, g6, b5, 255); fields are not widened.

@@ -22,9 +22,11 @@ function(ifc_add_pixel_kernels target)
       ${dir}/filter_rows_sse2.cc ${dir}/blend_rows_sse2.cc)
     set(avx2 ${dir}/nv21_rows_avx2.cc ${dir}/yuv422_rows_avx2.cc ${dir}/rgb565_rows_avx2.cc
       ${dir}/filter_rows_avx2.cc ${dir}/blend_rows_avx2.cc ${dir}/blur8_avx2.cc)
-    target_sources(${target} PRIVATE ${sse2} ${avx2} ${dir}/kernel_select_x86.cc)
+    set(avx512 ${dir}/yuv422_rows_avx512.cc)
+    target_sources(${target} PRIVATE ${sse2} ${avx2} ${avx512} ${dir}/kernel_select_x86.cc)
     set_source_files_properties(${sse2} PROPERTIES COMPILE_OPTIONS "-msse2")
     set_source_files_properties(${avx2} PROPERTIES COMPILE_OPTIONS "-mavx2")
+    set_source_files_properties(${avx512} PROPERTIES COMPILE_OPTIONS "-mavx512f;-mavx512bw")
   elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|armv7.*|arm)$" OR ANDROID_ABI MATCHES "^(arm64-v8a|armeabi-v7a)$")
     set(neon ${dir}/nv21_rows_neon.cc ${dir}/yuv422_rows_neon.cc ${dir}/rgb565_rows_neon.cc
       ${dir}/filter_rows_neon.cc ${dir}/blend_rows_neon.cc ${dir}/blur8_neon.cc)
