@@ -242,4 +242,13 @@ TEST_F(PixelImagesTest, BlurWeightsAndUnfilteredDownsampling) {
     std::vector<uint8_t> want(24, 0);
     for (int i = 0; i < 6; ++i) want[3 * i] = source->data[(6 * 2 * (i / 3) + 2 * (i % 3)) * 3];
     EXPECT_TRUE(want == std::vector<uint8_t>(result->data, result->data + 24));
+
+    // A sigma runs the reference sweeps at its weight over those samples.
+    ImagePtr blurred(ifc::blur8_image(source.get(), 2, 5));
+    ASSERT_TRUE(blurred != nullptr);
+    uint8_t plane[6];
+    for (int i = 0; i < 6; ++i) plane[i] = want[3 * i];
+    ifc::blur8_filter_c(plane, 3, 2, ifc::blur8_weight(5));
+    for (int i = 0; i < 6; ++i) want[3 * i] = plane[i];
+    EXPECT_TRUE(want == std::vector<uint8_t>(blurred->data, blurred->data + 24));
 }

@@ -101,44 +101,4 @@ final class PixelReference {
         }
         return out;
     }
-
-    /** Decay weight of the recursive blur, 0 when it is skipped. */
-    static int blurWeight(int sigma) {
-        float a = (float) Math.exp(-Math.log(2.0) * Math.sqrt(2.0) / (float) sigma);
-        if (!(a > 0f) || a >= 1f) return 0;
-        return (int) (a * (a * 65536.0f));
-    }
-
-    /** The blurred channel 0 of a down-sampled image, W x H bytes. */
-    static int[] blur(byte[] source, int width, int channels, int height, int scale, int sigma) {
-        int w = width / scale, h = height / scale;
-        int[] t = new int[w * h];
-        for (int j = 0; j < h; j++) {
-            for (int i = 0; i < w; i++) t[j * w + i] = source[(width * j * scale + i * scale) * channels] & 0xFF;
-        }
-        long a = blurWeight(sigma);
-        if (a == 0) return t;
-        long b = a ^ 0xFFFF;
-        long[] q = new long[1];
-        java.util.function.IntConsumer step = k -> {
-            long v = (b * (t[k] << 8) + a * q[0]) & 0xFFFFFFFFL;
-            q[0] = v >>> 16;
-            t[k] = (int) (v >>> 24);
-        };
-        if (w >= 2) {
-            for (int y = 0; y < h; y++) {
-                q[0] = t[y * w] << 8;
-                for (int x = 1; x < w; x++) step.accept(y * w + x);
-                for (int x = w - 1; x >= 1; x--) step.accept(y * w + x);
-            }
-        }
-        if (h >= 2) {
-            for (int x = 0; x < w; x++) {
-                q[0] = t[x] << 8;
-                for (int y = 0; y <= h - 2; y++) step.accept(y * w + x);
-                for (int y = h - 1; y >= 1; y--) step.accept(y * w + x);
-            }
-        }
-        return t;
-    }
 }
