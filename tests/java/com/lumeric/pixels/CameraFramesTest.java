@@ -104,11 +104,10 @@ class CameraFramesTest {
             assertEquals(2, image.width);
             assertEquals(16, image.getByteSize());
         }
-        // Without bytes the frame image is still made and attached, and the
-        // missing array is reported as every format's out-of-memory text.
+        // Without bytes the frame image is still made and attached (the
+        // exception's text is in the null-argument table).
         try (QImage image = new QImage()) {
-            RuntimeException noFrame = assertThrows(RuntimeException.class, () -> image.YUV420sp2RGB(null, 4, 2));
-            assertEquals("Out of memory of QImage.DecodeYUV420sp", noFrame.getMessage());
+            assertThrows(RuntimeException.class, () -> image.YUV420sp2RGB(null, 4, 2));
             assertArrayEquals(new int[] {4, 2, 4, 32}, new int[] {image.width, image.height, image.pixelBytes, image.getByteSize()});
         }
     }
