@@ -270,6 +270,7 @@ TEST_F(PixelImagesTest, BlurWeightsAndUnfilteredDownsampling) {
     EXPECT_EQ(44278, ifc::blur8_weight(5));
     EXPECT_EQ(53868, ifc::blur8_weight(10));
     EXPECT_EQ(0, ifc::blur8_weight(0));
+    EXPECT_EQ(0, ifc::blur8_weight(-1));
 
     // 3 channels, W = 3: the stride is padded to 12, but the samples land
     // 3 bytes apart through the whole buffer, the rest stays zero.
