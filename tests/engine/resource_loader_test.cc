@@ -4,40 +4,20 @@
 
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <string>
 
-#include "engine/resource_loader.h"
+#include "engine/gl/scratch_bundle.h"
 #include "jni/capture_stderr.h"
 
-namespace {
-
-struct ScratchDir {
-    std::string path;
-    ScratchDir() {
-        char name[] = "/tmp/ifc_bundle_XXXXXX";
-        path = mkdtemp(name);
-    }
-    ~ScratchDir() { std::system(("rm -rf '" + path + "'").c_str()); }
-    void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(path + "/" + name, std::ios::binary) << bytes;
-    }
-};
-
-}  // namespace
-
 TEST(DirectoryResources, FilesBecomeByteRowsAndOversizedOnesAreRefused) {
-    ScratchDir dir;
-    dir.write("three.bin", std::string("a\0c", 3));
-    dir.write("empty.bin", "");
+    ScratchBundle bundle("resources");
+    bundle.write("three.bin", std::string("a\0c", 3));
+    bundle.write("empty.bin", "");
     // Sparse: 2 GiB of length without the disk space.
-    { std::ofstream(dir.path + "/huge.bin"); }
+    bundle.write("huge.bin", "");
     // truncate64: off_t is 32 bits on 32-bit ABIs.
-    ASSERT_EQ(truncate64((dir.path + "/huge.bin").c_str(), 0x80000000LL), 0);
+    ASSERT_EQ(truncate64((bundle.path() + "/huge.bin").c_str(), 0x80000000LL), 0);
 
-    HFDirectoryResourceProvider bundle(dir.path);
     struct Case {
         const char* path;
         int width;  // -1: no image

@@ -93,14 +93,6 @@ PROBE(void, throwNamed)(JNIEnv* env, jclass, jstring className, jstring message)
     jniThrowException(env, utf(env, className).c_str(), utf(env, message).c_str());
 }
 
-PROBE(void, throwNull)(JNIEnv* env, jclass, jstring message) {
-    jniThrowNullPointerException(env, utf(env, message).c_str());
-}
-
-PROBE(void, throwRuntime)(JNIEnv* env, jclass, jstring message) {
-    jniThrowRuntimeException(env, utf(env, message).c_str());
-}
-
 PROBE(void, checkImage)(JNIEnv* env, jclass, jlong handle) {
     Check_Image(env, fromJavaHandle<_Image>(handle));
 }

@@ -45,29 +45,67 @@ protected:
 }  // namespace
 
 // Inputs exactly as long as the conversion says it reads, outputs exactly
-// width x height pixels, both ending at a guard page.
-TEST_F(PixelImagesTest, FrameConversionsStayInsideTheirBuffers) {
+// width x height pixels, both ending at a guard page; each pixel from the
+// input bytes its format's walk names.
+TEST_F(PixelImagesTest, FrameConversionsTakeEachPixelFromItsBytes) {
     for (int width : {1, 2, 3, 7, 33, 640, 1921}) {
         for (int height : {1, 2, 3}) {
+            SCOPED_TRACE(testing::Message() << width << "x" << height);
             const size_t pixels = size_t(width) * height;
             GuardedBuffer nv21(ifc::nv21_bytes_read(width, height)), rgba(4 * pixels), yuva(4 * pixels);
             nv21.randomize(width + height);
             ifc::nv21_to_rgba(nv21.data(), width, height, rgba.data());
             ifc::nv21_to_yuva(nv21.data(), width, height, yuva.data());
-            int mismatches = 0;  // both walks take the same Y, U, V per pixel
+            // One V, U pair per two pixels of a continuous stream cut into rows
+            // of ceil(width / 2) pairs, one chroma row per two of those rows.
+            const uint8_t* f = nv21.data();
+            const size_t row = (width + 1) / 2 * 2;
+            int walk = 0, mismatches = 0;
             for (size_t n = 0; n < pixels; ++n) {
-                uint8_t want[4];
-                ifc::yuv_to_rgba_pixel(yuva.data()[4 * n], yuva.data()[4 * n + 1], yuva.data()[4 * n + 2], want);
+                const size_t chroma = pixels + n / row / 2 * width + (n % row & ~size_t{1});
+                const uint8_t yuv[4] = {f[n], f[chroma + 1], f[chroma], 255};
+                walk += pixel(yuv) != pixel(yuva.data() + 4 * n);
+                uint8_t want[4];  // the RGBA walk takes the same Y, U, V
+                ifc::yuv_to_rgba_pixel(yuv[0], yuv[1], yuv[2], want);
                 mismatches += pixel(want) != pixel(rgba.data() + 4 * n);
             }
-            EXPECT_EQ(0, mismatches) << width << "x" << height;
+            EXPECT_EQ(0, walk);
+            EXPECT_EQ(0, mismatches);
 
+            // 4:2:2 groups V, Y0, U, Y1 and RGB565 words run on across rows.
             GuardedBuffer packed(ifc::yuv422_bytes_read(width, height)), rgb565(ifc::rgb565_bytes_read(width, height));
+            packed.randomize(width * 3 + height);
+            rgb565.randomize(width * 5 + height);
+            std::vector<uint8_t> want(4 * pixels);
             ifc::yuv422_to_rgba(packed.data(), width, height, rgba.data());
+            ifc::yuv422_to_rgba_row_c(packed.data(), want.data(), static_cast<int>(pixels));
+            EXPECT_EQ(0, std::memcmp(want.data(), rgba.data(), want.size()));
             ifc::rgb565_to_rgba(rgb565.data(), width, height, rgba.data());
-            GuardedBuffer frame(ifc::nv21_decimated_bytes_read(width, height, 2));
-            GuardedBuffer decimated(4 * size_t(width / 2) * size_t(height / 2));
-            ifc::nv21_to_yuva_decimated(frame.data(), width, height, 2, decimated.data());
+            for (size_t n = 0; n < pixels; ++n) {
+                const int v = rgb565.data()[2 * n] | rgb565.data()[2 * n + 1] << 8;
+                const uint8_t fields[4] = {uint8_t(v >> 11), uint8_t((v & 0x7E0) >> 5), uint8_t(v & 0x1F), 255};
+                std::memcpy(&want[4 * n], fields, 4);
+            }
+            EXPECT_EQ(0, std::memcmp(want.data(), rgba.data(), want.size()));
+
+            // Every step-th luma byte of every step-th row, its chroma pair
+            // step / 2 chroma rows down per output row.
+            for (int step : {2, 4}) {
+                const int w = width / step, h = height / step;
+                GuardedBuffer frame(ifc::nv21_decimated_bytes_read(width, height, step));
+                frame.randomize(step);
+                GuardedBuffer decimated(4 * size_t(w) * size_t(h));
+                ifc::nv21_to_yuva_decimated(frame.data(), width, height, step, decimated.data());
+                int wrong = 0;
+                for (int j = 0; j < h; ++j) {
+                    for (int i = 0; i < w; ++i) {
+                        const uint8_t* c = frame.data() + pixels + size_t(j) * width * (step / 2) + size_t(i) * step;
+                        const uint8_t yuv[4] = {frame.data()[size_t(j) * step * width + size_t(i) * step], c[1], c[0], 255};
+                        wrong += pixel(yuv) != pixel(decimated.data() + 4 * (size_t(j) * w + i));
+                    }
+                }
+                EXPECT_EQ(0, wrong) << "step " << step;
+            }
         }
     }
 }
@@ -232,6 +270,7 @@ TEST_F(PixelImagesTest, BlurWeightsAndUnfilteredDownsampling) {
     EXPECT_EQ(44278, ifc::blur8_weight(5));
     EXPECT_EQ(53868, ifc::blur8_weight(10));
     EXPECT_EQ(0, ifc::blur8_weight(0));
+    EXPECT_EQ(0, ifc::blur8_weight(-1));
 
     // 3 channels, W = 3: the stride is padded to 12, but the samples land
     // 3 bytes apart through the whole buffer, the rest stays zero.
@@ -242,4 +281,13 @@ TEST_F(PixelImagesTest, BlurWeightsAndUnfilteredDownsampling) {
     std::vector<uint8_t> want(24, 0);
     for (int i = 0; i < 6; ++i) want[3 * i] = source->data[(6 * 2 * (i / 3) + 2 * (i % 3)) * 3];
     EXPECT_TRUE(want == std::vector<uint8_t>(result->data, result->data + 24));
+
+    // A sigma runs the reference sweeps at its weight over those samples.
+    ImagePtr blurred(ifc::blur8_image(source.get(), 2, 5));
+    ASSERT_TRUE(blurred != nullptr);
+    uint8_t plane[6];
+    for (int i = 0; i < 6; ++i) plane[i] = want[3 * i];
+    ifc::blur8_filter_c(plane, 3, 2, ifc::blur8_weight(5));
+    for (int i = 0; i < 6; ++i) want[3 * i] = plane[i];
+    EXPECT_TRUE(want == std::vector<uint8_t>(blurred->data, blurred->data + 24));
 }

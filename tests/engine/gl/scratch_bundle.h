@@ -34,6 +34,8 @@ public:
         return HFDirectoryResourceProvider::loadData(path);
     }
 
+    const std::string& path() const { return root; }
+
     std::map<std::string, int> reads;
 
 private:

@@ -28,12 +28,11 @@ class BridgeHelpersTest {
         assertEquals(text, e.getMessage());
     }
 
+    /** The null-pointer and runtime helpers' classes and texts are in the null-argument table. */
     @Test
     void exceptionsCarryClassAndText() {
         assertMessage(IllegalStateException.class, "named text",
                 () -> BridgeProbe.throwNamed("java/lang/IllegalStateException", "named text"));
-        assertMessage(NullPointerException.class, "npe text", () -> BridgeProbe.throwNull("npe text"));
-        assertMessage(RuntimeException.class, "rt text", () -> BridgeProbe.throwRuntime("rt text"));
         assertThrows(NoClassDefFoundError.class, () -> BridgeProbe.throwNamed("com/lumeric/NoSuchException", "lost"));
         assertEquals("Lm7q-Fx2Rw9t_Kp4Zc8v!Nh3", Coffee.getDESSignKey());
     }
@@ -65,9 +64,10 @@ class BridgeHelpersTest {
         assertEquals(0, bitmap.getLockCount());
     }
 
+    /** Where the copy stops for every size and stride is the bridge's C++ test. */
     @Test
-    void copyWritesTheImageBytesInOrderAndStopsAtTheBitmapsEnd() {
-        long image = BridgeProbe.newImage(2, 2, 4), big = BridgeProbe.newImage(4, 4, 4);
+    void copyWritesTheImageBytesInOrder() {
+        long image = BridgeProbe.newImage(2, 2, 4);
         try {
             Bitmap bitmap = filled(2, 2, 0);
             assertEquals(0, FilterEngineJNILib.nativeCopyImage(bitmap, image));
@@ -75,12 +75,8 @@ class BridgeHelpersTest {
             bitmap.getPixels(got, 0, 2, 0, 0, 2, 2);
             assertArrayEquals(new int[] {patternPixel(0), patternPixel(4), patternPixel(8), patternPixel(12)}, got);
             assertEquals(0, bitmap.getLockCount());
-            FilterEngineJNILib.nativeCopyImage(bitmap, big);
-            // Flat bytes: the bitmap's second row holds the image's row 0, pixels 2 and 3.
-            assertEquals(patternPixel(12), bitmap.getPixel(1, 1));
         } finally {
             BridgeProbe.freeImage(image);
-            BridgeProbe.freeImage(big);
         }
     }
 

@@ -34,8 +34,6 @@ final class BridgeProbe {
     static native long loadResourceOnNativeThread(String path, int kind);
 
     static native void throwNamed(String className, String message);
-    static native void throwNull(String message);
-    static native void throwRuntime(String message);
     static native void checkImage(long image);
 
     static native long bind(Bitmap bitmap);

@@ -21,7 +21,6 @@ import java.io.IOException;
 import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.function.IntUnaryOperator;
-import java.util.stream.Collectors;
 import java.util.stream.IntStream;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.AfterEach;
@@ -90,10 +89,6 @@ class FilterPackageRenderTest {
 
     private static String body(String statement) {
         return HEAD + " void main(){ vec4 c = texture2D(inputImageTexture, uv); " + statement + " }";
-    }
-
-    private static String numbers(double... values) {
-        return Arrays.stream(values).mapToObj(v -> "<number>" + v + "</number>").collect(Collectors.joining());
     }
 
     /** A fresh texture name holding the pixels (alpha 255), uploaded through a QImage. */
@@ -169,27 +164,11 @@ class FilterPackageRenderTest {
         assertEquals(6, bundle.readCount());
     }
 
+    /** Authored float, vector, matrix and curve values reach the shader in RuntimeParametersTest. */
     @Test
-    void declaredParametersReachTheShader() throws IOException {
-        files.describe("scale", HEAD + " uniform float amount; void main(){"
-                + " gl_FragColor = vec4(texture2D(inputImageTexture, uv).rgb * amount, 1.0); }");
-        files.describe("tint", HEAD + " uniform vec4 tint; void main(){ gl_FragColor = tint; }");
-        files.describe("matrix", HEAD + " uniform mat4 colorMatrix; void main(){"
-                + " gl_FragColor = colorMatrix * vec4(texture2D(inputImageTexture, uv).rgb, 1.0); }");
-        files.describe("curve", HEAD + " uniform float toneCurve[256]; void main(){"
-                + " gl_FragColor = vec4(toneCurve[1], toneCurve[2], toneCurve[255], 1.0); }");
+    void imageParamFeedsTheInputSlotItNames() throws IOException {
         files.describe("grain", HEAD + " void main(){ gl_FragColor = vec4(texture2D(inputImageTexture, uv).r,"
                 + " texture2D(inputImageTexture2, uv).gb, 1.0); }");
-
-        files.pack("p_float", leaf("scale", param("amount", "float", "0.5")));
-        files.pack("p_vec4", leaf("tint", param("tint", "vector4f", numbers(0.2, 0.4, 0.6, 1.0))));
-        // Column-major: swap red and blue, then add 0.2 to red (the 4th column).
-        files.pack("p_matrix", leaf("matrix", param("colorMatrix", "matrix4f",
-                numbers(0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0.2, 0, 0, 1))));
-        String[] curve = new String[256];
-        Arrays.fill(curve, "0");
-        curve[1] = "256"; curve[2] = "200"; curve[255] = "100";
-        files.pack("p_curve", leaf("curve", param("toneCurve", "curve", String.join(",", curve))));
         // An image param's name is the input slot; its file lies in the package.
         int[] grain = {0x010203, 0x040506, 0x070809, 0xfafbfc};
         BufferedImage png = new BufferedImage(2, 2, BufferedImage.TYPE_INT_ARGB);
@@ -197,11 +176,6 @@ class FilterPackageRenderTest {
         files.pack("p_image", leaf("grain", param("1", "image", "grain.png")));
         ImageIO.write(png, "png", root.resolve("filter/p_image/grain.png").toFile());
 
-        assertArrayEquals(expected(p -> rgb(r(p) / 2, g(p) / 2, b(p) / 2)), renderInput("p_float"));
-        assertArrayEquals(expected(p -> rgb(51, 102, 153)), renderInput("p_vec4"));
-        assertArrayEquals(expected(p -> rgb(Math.min(255, b(p) + 51), g(p), r(p))), renderInput("p_matrix"));
-        // Curve entries are n / 256: 256 -> 1.0, 200 -> 199.2 / 255, 100 -> 99.6 / 255.
-        assertArrayEquals(expected(p -> rgb(255, 199, 100)), renderInput("p_curve"));
         int[] mixed = IntStream.range(0, 4).map(i -> rgb(r(INPUT[i]), g(grain[i]), b(grain[i]))).toArray();
         assertArrayEquals(rgba(mixed), renderInput("p_image"));
     }
@@ -225,19 +199,14 @@ class FilterPackageRenderTest {
         int input = texture(2, 2, INPUT);
         String[] names = {"br_missing", "br_badxml", "br_root", "br_nodesc", "br_novertex", "br_relation",
                 "br_cycle_a", "br_cycle_b", "br_self", "br_child", "br_unbuildable", "br_empty"};
-        for (int pass = 0; pass < 2; pass++) {
-            int reads = bundle.readCount();
-            for (String name : names) {
-                assertDoesNotThrow(() -> {
-                    try (FilterWraper wraper = new FilterWraper(name)) {
-                        wraper.render(input, 2, 2);
-                        assertEquals(0, wraper.outputTexture(), name);
-                    }
-                }, name);
-            }
-            // Failures are not cached: the second pass reads each package
-            // that did not parse again (nine of them, some with includes).
-            if (pass == 1) assertTrue(bundle.readCount() - reads >= 9, "reads " + (bundle.readCount() - reads));
+        // That failures are not cached, and why each fails, the engine's own tests check.
+        for (String name : names) {
+            assertDoesNotThrow(() -> {
+                try (FilterWraper wraper = new FilterWraper(name)) {
+                    wraper.render(input, 2, 2);
+                    assertEquals(0, wraper.outputTexture(), name);
+                }
+            }, name);
         }
         assertArrayEquals(rgba(INPUT), read(input, 2, 2));
     }

@@ -6,7 +6,7 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.util.Random;
 
-/** Plain Java definitions of the pixel formulas the natives must match exactly. */
+/** RGBA images from bytes and back, for the pixel natives' tests. */
 final class PixelReference {
     private PixelReference() {}
 
@@ -30,115 +30,5 @@ final class PixelReference {
         byte[] bytes = new byte[n];
         new Random(seed).nextBytes(bytes);
         return bytes;
-    }
-
-    private static int clamp(int x) {
-        return x < 0 ? 0 : Math.min(x, 255);
-    }
-
-    /** R, G, B, 255 of one Y, U, V triple (BT.601 studio range in eighths). */
-    static void rgba(int y, int u, int v, byte[] out, int at) {
-        int luma = y < 16 ? 0 : (76309 * (y - 16)) >> 13;
-        out[at] = (byte) clamp((luma + ((104597 * (v - 128)) >> 13)) >> 3);
-        out[at + 1] = (byte) clamp((luma + ((-53278 * (v - 128)) >> 13) + ((-25674 * (u - 128)) >> 13)) >> 3);
-        out[at + 2] = (byte) clamp((luma + ((132201 * (u - 128)) >> 13)) >> 3);
-        out[at + 3] = (byte) 255;
-    }
-
-    /** NV21 to RGBA or packed Y, U, V, 255 over the continuous stream walk. */
-    static byte[] nv21(byte[] frame, int width, int height, boolean yuv) {
-        int total = width * height;
-        int rowPixels = (width + 1) / 2 * 2;
-        byte[] out = new byte[4 * total];
-        for (int n = 0; n < total; n++) {
-            int chroma = total + (n / rowPixels / 2) * width + ((n % rowPixels) & ~1);
-            int y = frame[n] & 0xFF, v = frame[chroma] & 0xFF, u = frame[chroma + 1] & 0xFF;
-            if (yuv) {
-                out[4 * n] = (byte) y;
-                out[4 * n + 1] = (byte) u;
-                out[4 * n + 2] = (byte) v;
-                out[4 * n + 3] = (byte) 255;
-            } else {
-                rgba(y, u, v, out, 4 * n);
-            }
-        }
-        return out;
-    }
-
-    static byte[] yuv422(byte[] frame, int width, int height) {
-        byte[] out = new byte[4 * width * height];
-        for (int n = 0; n < width * height; n++) {
-            int g = 4 * (n / 2);
-            rgba(frame[g + 1 + 2 * (n % 2)] & 0xFF, frame[g + 2] & 0xFF, frame[g] & 0xFF, out, 4 * n);
-        }
-        return out;
-    }
-
-    static byte[] rgb565(byte[] frame, int width, int height) {
-        byte[] out = new byte[4 * width * height];
-        for (int n = 0; n < width * height; n++) {
-            int v = (frame[2 * n] & 0xFF) | (frame[2 * n + 1] & 0xFF) << 8;
-            out[4 * n] = (byte) (v >> 11);
-            out[4 * n + 1] = (byte) ((v & 0x7E0) >> 5);
-            out[4 * n + 2] = (byte) (v & 0x1F);
-            out[4 * n + 3] = (byte) 255;
-        }
-        return out;
-    }
-
-    static byte[] nv21Decimated(byte[] frame, int width, int height, int step) {
-        int w = width / step, h = height / step;
-        byte[] out = new byte[4 * w * h];
-        for (int j = 0; j < h; j++) {
-            for (int i = 0; i < w; i++) {
-                int o = 4 * (j * w + i);
-                int chroma = width * height + j * width * (step / 2) + i * step;
-                out[o] = frame[j * step * width + i * step];
-                out[o + 1] = frame[chroma + 1];
-                out[o + 2] = frame[chroma];
-                out[o + 3] = (byte) 255;
-            }
-        }
-        return out;
-    }
-
-    /** Decay weight of the recursive blur, 0 when it is skipped. */
-    static int blurWeight(int sigma) {
-        float a = (float) Math.exp(-Math.log(2.0) * Math.sqrt(2.0) / (float) sigma);
-        if (!(a > 0f) || a >= 1f) return 0;
-        return (int) (a * (a * 65536.0f));
-    }
-
-    /** The blurred channel 0 of a down-sampled image, W x H bytes. */
-    static int[] blur(byte[] source, int width, int channels, int height, int scale, int sigma) {
-        int w = width / scale, h = height / scale;
-        int[] t = new int[w * h];
-        for (int j = 0; j < h; j++) {
-            for (int i = 0; i < w; i++) t[j * w + i] = source[(width * j * scale + i * scale) * channels] & 0xFF;
-        }
-        long a = blurWeight(sigma);
-        if (a == 0) return t;
-        long b = a ^ 0xFFFF;
-        long[] q = new long[1];
-        java.util.function.IntConsumer step = k -> {
-            long v = (b * (t[k] << 8) + a * q[0]) & 0xFFFFFFFFL;
-            q[0] = v >>> 16;
-            t[k] = (int) (v >>> 24);
-        };
-        if (w >= 2) {
-            for (int y = 0; y < h; y++) {
-                q[0] = t[y * w] << 8;
-                for (int x = 1; x < w; x++) step.accept(y * w + x);
-                for (int x = w - 1; x >= 1; x--) step.accept(y * w + x);
-            }
-        }
-        if (h >= 2) {
-            for (int x = 0; x < w; x++) {
-                q[0] = t[x] << 8;
-                for (int y = 0; y <= h - 2; y++) step.accept(y * w + x);
-                for (int y = h - 1; y >= 1; y--) step.accept(y * w + x);
-            }
-        }
-        return t;
     }
 }
